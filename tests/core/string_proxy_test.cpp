@@ -33,3 +33,13 @@ TEST(StringProxy, CopySurvivesSourceAndSelfAssignmentKeepsText) {
   EXPECT_STREQ(L"\u0416x", wcopy.c_str());
   EXPECT_EQ(2u, std::wcslen(wcopy.c_str()));
 }
+
+TEST(StringProxy, AssignmentReplacesWholeText) {
+  CStringProxy text("a much longer text");
+  text = CStringProxy("short");
+  EXPECT_STREQ("short", text.c_str());
+  text = CStringProxy(nullptr);
+  EXPECT_STREQ("", text.c_str());
+  CWStringProxy wide(L"stop\0hidden");  // the text ends at the first NUL
+  EXPECT_STREQ(L"stop", wide.c_str());
+}

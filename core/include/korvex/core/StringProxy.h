@@ -25,6 +25,9 @@ class KORVEX_API CStringProxy {
   char const* c_str() const;
 
  private:
+  // CBlob writes hex text straight into the string instead of copying it.
+  friend class CBlob;
+
   std::string* m_str;
 };
 

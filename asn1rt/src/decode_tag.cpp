@@ -1,0 +1,307 @@
+// decode_tag.cpp: identifier and length octets (X.690 8.1.2, 8.1.3), buffer
+// installation and tag matching.
+//
+// Every read is checked against the buffer size, also in indefinite-message
+// mode: the size is then the measured extent of the outermost element.
+#include "decode_intern.h"
+
+using korvex_rt::Fail;
+
+namespace korvex_rt {
+
+int ReadTagLen(ASN1CTXT* ctxt, ASN1TAG* tag, int* length, bool* cons) {
+  const ASN1OCTET* d = ctxt->buffer.data;
+  ASN1UINT i = ctxt->buffer.byteIndex;
+  const ASN1UINT size = ctxt->buffer.size;
+  if (i >= size) return ASN_E_ENDOFBUF;
+  ASN1OCTET b = d[i++];
+  ASN1UINT number = b & 0x1F;
+  if (number == 0x1F) {
+    // High tag number: base-128 groups, most significant first.
+    unsigned long long v = 0;
+    int groups = 0;
+    ASN1OCTET c;
+    do {
+      if (i >= size) return ASN_E_ENDOFBUF;
+      if (++groups > 5) return ASN_E_BADTAG;
+      c = d[i++];
+      v = (v << 7) | (c & 0x7F);
+    } while (c & 0x80);
+    if (v > ASN1_MAX_TAG_NUMBER) return ASN_E_BADTAG;
+    number = static_cast<ASN1UINT>(v);
+  }
+  // Length.
+  if (i >= size) return ASN_E_ENDOFBUF;
+  ASN1OCTET l = d[i++];
+  int len;
+  if (l < 0x80) {
+    len = l;
+  } else if (l == 0x80) {
+    len = ASN_K_INDEFLEN;
+  } else {
+    int n = l & 0x7F;
+    if (n > 4) return ASN_E_INVLEN;  // also the reserved 0xFF (X.690 8.1.3.5 c)
+    ASN1UINT v = 0;
+    for (int k = 0; k < n; ++k) {
+      if (i >= size) return ASN_E_ENDOFBUF;
+      v = (v << 8) | d[i++];
+    }
+    len = static_cast<int>(v);
+    // Four octets that read as -9999 mean an indefinite length; any other
+    // value above 0x7FFFFFFF is invalid.
+    if (len < 0 && len != ASN_K_INDEFLEN) return ASN_E_INVLEN;
+  }
+  const bool constructed = (b & 0x20) != 0;
+  if (len == ASN_K_INDEFLEN) {
+    if (!constructed) return ASN_E_INVLEN;  // X.690 8.1.3.2 a
+  } else if (!(ctxt->flags & ASN1NOLENCHECK) && static_cast<ASN1UINT>(len) > size - i) {
+    return ASN_E_INVLEN;
+  }
+  *tag = (static_cast<ASN1TAG>(b & 0xE0) << 24) | number;
+  *length = len;
+  *cons = constructed;
+  ctxt->buffer.byteIndex = i;
+  return ASN_OK;
+}
+
+}  // namespace korvex_rt
+
+namespace {
+
+inline void SetConsFlag(ASN1CTXT* ctxt, bool cons) {
+  if (cons) {
+    ctxt->flags |= ASN1CONSTAG;
+  } else {
+    ctxt->flags = static_cast<ASN1USINT>(ctxt->flags & ~ASN1CONSTAG);
+  }
+}
+
+inline bool AtMessageEnd(const ASN1CTXT* ctxt) {
+  return (ctxt->flags & (ASN1INDEFLEN | ASN1LASTEOC)) == (ASN1INDEFLEN | ASN1LASTEOC);
+}
+
+// Steps over the element at the cursor the way a tag search does: the contents
+// of a primitive element are skipped, a constructed element is entered.
+int StepOver(ASN1CTXT* ctxt) {
+  ASN1TAG tag;
+  int len;
+  bool cons;
+  int stat = korvex_rt::ReadTagLen(ctxt, &tag, &len, &cons);
+  if (stat != ASN_OK) return stat;
+  if (!cons) {
+    if (static_cast<ASN1UINT>(len) > korvex_rt::Remaining(ctxt)) return ASN_E_ENDOFBUF;
+    ctxt->buffer.byteIndex += static_cast<ASN1UINT>(len);
+  }
+  return ASN_OK;
+}
+
+// Reads a one-octet tag (compared with expected unless matchAny) and a length.
+int ReadTag1(ASN1CTXT* ctxt, int expected, bool matchAny, int* length) {
+  xu_SaveBufferState(ctxt, nullptr);
+  if (AtMessageEnd(ctxt)) return Fail(ctxt, ASN_E_ENDOFBUF);
+  ASN1UINT start = ctxt->buffer.byteIndex;
+  if (start >= ctxt->buffer.size) return Fail(ctxt, ASN_E_ENDOFBUF);
+  ASN1OCTET b = ctxt->buffer.data[start];
+  if (!matchAny && ((b ^ expected) & ~0x20)) return Fail(ctxt, ASN_E_IDNOTFOU);
+  const ASN1OCTET* d = ctxt->buffer.data;
+  const ASN1UINT size = ctxt->buffer.size;
+  ASN1UINT i = start + 1;
+  // Short definite length: the hot path of every decoder.
+  if (i < size && d[i] < 0x80) {
+    ASN1UINT len = d[i];
+    if ((ctxt->flags & ASN1NOLENCHECK) || len <= size - i - 1) {
+      ctxt->buffer.byteIndex = i + 1;
+      SetConsFlag(ctxt, (b & 0x20) != 0);
+      if (length) *length = static_cast<int>(len);
+      return ASN_OK;
+    }
+  }
+  ASN1TAG tag;
+  int len;
+  bool cons;
+  int stat = korvex_rt::ReadTagLen(ctxt, &tag, &len, &cons);
+  if (stat != ASN_OK) return Fail(ctxt, stat);
+  SetConsFlag(ctxt, cons);
+  if (length) *length = len;
+  return ASN_OK;
+}
+
+}  // namespace
+
+namespace korvex_rt {
+
+int ExplicitHeader(ASN1CTXT* ctxt, ASN1OCTET tagOctet, int* length) {
+  return ReadTag1(ctxt, tagOctet, false, length);
+}
+
+}  // namespace korvex_rt
+
+extern "C" {
+
+int xd_tag(ASN1CTXT* ctxt, ASN1TAG* tag) {
+  const ASN1OCTET* d = ctxt->buffer.data;
+  ASN1UINT i = ctxt->buffer.byteIndex;
+  const ASN1UINT size = ctxt->buffer.size;
+  if (i >= size) return Fail(ctxt, ASN_E_ENDOFBUF);
+  ASN1OCTET b = d[i++];
+  ASN1UINT number = b & 0x1F;
+  if (number == 0x1F) {
+    unsigned long long v = 0;
+    int groups = 0;
+    ASN1OCTET c;
+    do {
+      if (i >= size) return Fail(ctxt, ASN_E_ENDOFBUF);
+      if (++groups > 5) return Fail(ctxt, ASN_E_BADTAG);
+      c = d[i++];
+      v = (v << 7) | (c & 0x7F);
+    } while (c & 0x80);
+    if (v > ASN1_MAX_TAG_NUMBER) return Fail(ctxt, ASN_E_BADTAG);
+    number = static_cast<ASN1UINT>(v);
+  }
+  if (tag) *tag = (static_cast<ASN1TAG>(b & 0xE0) << 24) | number;
+  ctxt->buffer.byteIndex = i;
+  return ASN_OK;
+}
+
+int xd_len(ASN1CTXT* ctxt, int* length) {
+  const ASN1OCTET* d = ctxt->buffer.data;
+  ASN1UINT i = ctxt->buffer.byteIndex;
+  const ASN1UINT size = ctxt->buffer.size;
+  if (i >= size) return Fail(ctxt, ASN_E_ENDOFBUF);
+  ASN1OCTET l = d[i++];
+  int len;
+  if (l < 0x80) {
+    len = l;
+  } else if (l == 0x80) {
+    len = ASN_K_INDEFLEN;
+  } else {
+    int n = l & 0x7F;
+    if (n > 4) return Fail(ctxt, ASN_E_INVLEN);
+    ASN1UINT v = 0;
+    for (int k = 0; k < n; ++k) {
+      if (i >= size) return Fail(ctxt, ASN_E_ENDOFBUF);
+      v = (v << 8) | d[i++];
+    }
+    len = static_cast<int>(v);
+    if (len < 0 && len != ASN_K_INDEFLEN) return Fail(ctxt, ASN_E_INVLEN);
+  }
+  if (len != ASN_K_INDEFLEN && !(ctxt->flags & ASN1NOLENCHECK) &&
+      static_cast<ASN1UINT>(len) > size - i) {
+    return Fail(ctxt, ASN_E_INVLEN);
+  }
+  if (length) *length = len;
+  ctxt->buffer.byteIndex = i;
+  return ASN_OK;
+}
+
+int xd_tag_len(ASN1CTXT* ctxt, ASN1TAG* tag, int* length, ASN1OCTET flags) {
+  xu_SaveBufferState(ctxt, nullptr);
+  if (AtMessageEnd(ctxt) || ctxt->buffer.byteIndex >= ctxt->buffer.size) {
+    return Fail(ctxt, ASN_E_ENDOFBUF);
+  }
+  ASN1TAG t;
+  int len;
+  bool cons;
+  int stat = korvex_rt::ReadTagLen(ctxt, &t, &len, &cons);
+  if (stat != ASN_OK) return Fail(ctxt, stat);
+  if (tag) *tag = t;
+  if (length) *length = len;
+  if (flags & XM_ADVANCE) {
+    SetConsFlag(ctxt, cons);
+  } else {
+    ctxt->buffer.byteIndex = ctxt->savedInfo.byteIndex;
+  }
+  return ASN_OK;
+}
+
+int xd_match(ASN1CTXT* ctxt, ASN1TAG tag, int* length, ASN1OCTET flags) {
+  ASN1BUFSAVE entry;
+  xu_SaveBufferState(ctxt, &entry);
+  auto failAt = [&](int stat) {
+    xu_RestoreBufferState(ctxt, &entry);
+    return Fail(ctxt, stat);
+  };
+  if (flags & XM_SKIP) {
+    int stat = StepOver(ctxt);
+    if (stat != ASN_OK) return failAt(stat);
+  }
+  const bool search = (flags & XM_SEARCH) != 0;
+  for (;;) {
+    xu_SaveBufferState(ctxt, nullptr);
+    ASN1TAG t;
+    int len;
+    bool cons;
+    int stat = AtMessageEnd(ctxt) ? ASN_E_ENDOFBUF : korvex_rt::ReadTagLen(ctxt, &t, &len, &cons);
+    if (stat != ASN_OK) return failAt(search && stat == ASN_E_ENDOFBUF ? ASN_E_IDNOTFOU : stat);
+    if (((t ^ tag) & ~TM_CONS) == 0) {
+      if (length) *length = len;
+      if (flags & XM_ADVANCE) {
+        SetConsFlag(ctxt, cons);
+      } else {
+        ctxt->buffer.byteIndex = ctxt->savedInfo.byteIndex;
+      }
+      return ASN_OK;
+    }
+    if (!search) return failAt(ASN_E_IDNOTFOU);
+    // Searching: skip a primitive element's contents, enter a constructed one.
+    if (!cons) {
+      if (static_cast<ASN1UINT>(len) > korvex_rt::Remaining(ctxt)) {
+        return failAt(ASN_E_IDNOTFOU);
+      }
+      ctxt->buffer.byteIndex += static_cast<ASN1UINT>(len);
+    }
+  }
+}
+
+int xd_match1(ASN1CTXT* ctxt, ASN1OCTET tagOctet, int* length) {
+  return ReadTag1(ctxt, tagOctet, false, length);
+}
+
+int xd_Tag1AndLen(ASN1CTXT* ctxt, int* length) { return ReadTag1(ctxt, 0, true, length); }
+
+int xd_setp(ASN1CTXT* ctxt, const ASN1OCTET* buffer, int size, ASN1TAG* tag, int* length) {
+  if (!ctxt) return ASN_E_INVPARAM;
+  if (!buffer) return Fail(ctxt, ASN_E_INVPARAM);
+  const bool sizeGiven = size >= 1;
+  ASN1UINT bufSize = sizeGiven ? static_cast<ASN1UINT>(size) : 0x7FFFFFFFu;
+  int stat = rtInitContextBuffer(ctxt, const_cast<ASN1OCTET*>(buffer), bufSize);
+  if (stat != ASN_OK) return stat;
+  ctxt->flags = static_cast<ASN1USINT>(ctxt->flags & ~(ASN1LASTEOC | ASN1INDEFLEN));
+  ASN1TAG t;
+  int len;
+  bool cons;
+  // The element's length is checked against the size below, with -5.
+  ASN1USINT savedFlags = ctxt->flags;
+  ctxt->flags |= ASN1NOLENCHECK;
+  stat = korvex_rt::ReadTagLen(ctxt, &t, &len, &cons);
+  ctxt->flags = savedFlags;
+  if (stat != ASN_OK) return Fail(ctxt, stat);
+  ASN1UINT header = ctxt->buffer.byteIndex;
+  if (len == ASN_K_INDEFLEN) {
+    ctxt->flags |= ASN1INDEFLEN;
+    // Measure the message once, so that every later read is bounded by its
+    // real end and the end of the message is known (ASN1LASTEOC).
+    stat = korvex_rt::SkipToEOC(ctxt);
+    if (stat != ASN_OK) {
+      if (stat == ASN_E_ENDOFBUF && sizeGiven) stat = ASN_E_INVLEN;
+      ctxt->buffer.byteIndex = 0;
+      return Fail(ctxt, stat);
+    }
+    ctxt->buffer.size = ctxt->buffer.byteIndex;
+    len = ASN_K_INDEFLEN;
+  } else {
+    unsigned long long total = static_cast<unsigned long long>(header) + static_cast<ASN1UINT>(len);
+    if (total > bufSize) {
+      ctxt->buffer.byteIndex = 0;
+      return Fail(ctxt, ASN_E_INVLEN);
+    }
+    ctxt->buffer.size = static_cast<ASN1UINT>(total);
+    len = static_cast<int>(total);
+  }
+  ctxt->buffer.byteIndex = 0;
+  if (tag) *tag = t;
+  if (length) *length = len;
+  return ASN_OK;
+}
+
+}  // extern "C"

@@ -23,13 +23,13 @@ int CopyOctets(std::vector<uint8_t> const& value, unsigned char* octets, size_t 
   return static_cast<int>(value.size());
 }
 
-int FromText(const char* text, int radix, bool magnitudeOnly, unsigned char* octets,
+int FromText(const char* text, int radix, bool mustBeNonNegative, unsigned char* octets,
              size_t capacity) {
   try {
     BigValue value;
     int status = value.Parse(text, radix);
     if (status != 0) return status;
-    if (magnitudeOnly) value.SetNegative(false);
+    if (mustBeNonNegative && value.IsNegative()) return ASN_E_INVBIGINT;
     return CopyOctets(value.ToTwosComplement(), octets, capacity);
   } catch (std::bad_alloc const&) {
     return ASN_E_NOMEM;

@@ -20,8 +20,6 @@ class BigValue {
  public:
   bool IsZero() const { return limbs_.empty(); }
   bool IsNegative() const { return negative_; }
-  // SetNegative sets the sign (zero stays non-negative).
-  void SetNegative(bool negative) { negative_ = negative && !limbs_.empty(); }
 
   // Parse accepts the text grammar of rtBigInt.h; returns 0, -9 or -30.
   int Parse(const char* text, int radix);

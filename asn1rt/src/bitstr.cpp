@@ -12,7 +12,8 @@ using Korvex::rt::OctetsFor;
 using Korvex::rt::ZeroBits;
 
 ASN1CBitStr::ASN1CBitStr(ASN1CTXT* ctxt, ASN1DynBitStr& bitStr, ASN1UINT maxBits)
-    : m_ctxt(ctxt),
+    : m_context(nullptr),
+      m_ctxt(ctxt),
       m_numbits(&bitStr.numbits),
       m_dynData(&bitStr.data),
       m_fixedData(nullptr),
@@ -20,8 +21,21 @@ ASN1CBitStr::ASN1CBitStr(ASN1CTXT* ctxt, ASN1DynBitStr& bitStr, ASN1UINT maxBits
       m_owned(nullptr),
       m_ownedSize(0) {}
 
+ASN1CBitStr::ASN1CBitStr(ASN1MessageBufferIF& buffer, ASN1DynBitStr& bitStr, ASN1UINT maxBits)
+    : ASN1CBitStr(buffer.getCtxtPtr(), bitStr, maxBits) {
+  m_context = buffer.getContext();
+  m_context->_ref();
+}
+
+ASN1CBitStr::ASN1CBitStr(ASN1CType& control, ASN1DynBitStr& bitStr, ASN1UINT maxBits)
+    : ASN1CBitStr(control.getCtxtPtr(), bitStr, maxBits) {
+  m_context = control.getContext();
+  m_context->_ref();
+}
+
 ASN1CBitStr::ASN1CBitStr(ASN1OCTET* data, ASN1UINT& numbits, ASN1UINT capacityBits)
-    : m_ctxt(nullptr),
+    : m_context(nullptr),
+      m_ctxt(nullptr),
       m_numbits(&numbits),
       m_dynData(nullptr),
       m_fixedData(data),
@@ -29,6 +43,10 @@ ASN1CBitStr::ASN1CBitStr(ASN1OCTET* data, ASN1UINT& numbits, ASN1UINT capacityBi
       m_owned(nullptr),
       m_ownedSize(0) {
   if (numbits > m_maxBits) numbits = m_maxBits;
+}
+
+ASN1CBitStr::~ASN1CBitStr() {
+  if (m_context != nullptr) m_context->_unref();
 }
 
 ASN1UINT ASN1CBitStr::length() const { return *m_numbits; }

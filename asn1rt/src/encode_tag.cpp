@@ -37,7 +37,7 @@ int xe_tag(ASN1CTXT* ctxt, ASN1TAG tag) {
 
 int xe_len(ASN1CTXT* ctxt, int length) {
   if (length < 0 && length != ASN_K_INDEFLEN) return 0;
-  ASN1OCTET tmp[5];
+  ASN1OCTET tmp[8];  // up to five length octets and the tag octet
   int n = korvex_rt::PutHeaderBackwards(tmp + sizeof(tmp), 0, length) - 1;  // drop the tag
   return xe_memcpy(ctxt, tmp + sizeof(tmp) - n, static_cast<ASN1UINT>(n));
 }

@@ -2,7 +2,21 @@
 #include <korvex/asn1rt/ASN1CSeqOfList.h>
 
 ASN1CSeqOfList::ASN1CSeqOfList(ASN1CTXT* ctxt, rtDList& list)
-    : m_ctxt(ctxt), m_list(&list), m_changes(0) {}
+    : m_context(nullptr), m_ctxt(ctxt), m_list(&list), m_changes(0) {}
+
+ASN1CSeqOfList::ASN1CSeqOfList(ASN1MessageBufferIF& buffer, rtDList& list)
+    : m_context(buffer.getContext()), m_ctxt(m_context->getPtr()), m_list(&list), m_changes(0) {
+  m_context->_ref();
+}
+
+ASN1CSeqOfList::ASN1CSeqOfList(ASN1CType& control, rtDList& list)
+    : m_context(control.getContext()), m_ctxt(m_context->getPtr()), m_list(&list), m_changes(0) {
+  m_context->_ref();
+}
+
+ASN1CSeqOfList::~ASN1CSeqOfList() {
+  if (m_context != nullptr) m_context->_unref();
+}
 
 int ASN1CSeqOfList::size() const { return static_cast<int>(m_list->count); }
 

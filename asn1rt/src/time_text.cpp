@@ -70,12 +70,12 @@ int TrimFraction(char const* digits, int count) {
 int ReadZone(Reader* in, bool fourDigits, TimeFields* out) {
   char c = in->Peek();
   if (in->AtEnd()) {
-    out->zone = TimeZone::kLocal;
+    out->zone = ASN1TimeFields::kLocal;
     return 0;
   }
   if (c == 'Z') {
     in->Skip();
-    out->zone = TimeZone::kUTC;
+    out->zone = ASN1TimeFields::kUTC;
     return 0;
   }
   if (c != '+' && c != '-') return ASN_E_IDNOTFOU;
@@ -86,7 +86,7 @@ int ReadZone(Reader* in, bool fourDigits, TimeFields* out) {
     if (!in->Number(2, &minutes)) return ASN_E_IDNOTFOU;
   }
   if (hours > 23 || minutes > 59) return ASN_E_INVDATETIME;
-  out->zone = TimeZone::kOffset;
+  out->zone = ASN1TimeFields::kOffset;
   out->offsetMinutes = (c == '-' ? -1 : 1) * (hours * 60 + minutes);
   return 0;
 }
@@ -218,11 +218,11 @@ int CheckTimeFields(TimeKind kind, TimeFields const& f) {
   if (f.hour < 0 || f.hour > 23 || f.minute < 0 || f.minute > 59) return ASN_E_INVDATETIME;
   if (f.second < 0 || f.second > 59) return ASN_E_INVDATETIME;
   if (f.fractionDigits < 0 || f.fractionDigits > kMaxFractionDigits) return ASN_E_INVDATETIME;
-  if (f.zone == TimeZone::kOffset &&
+  if (f.zone == ASN1TimeFields::kOffset &&
       (f.offsetMinutes < -kMaxOffsetMinutes || f.offsetMinutes > kMaxOffsetMinutes)) {
     return ASN_E_INVDATETIME;
   }
-  if (kind == TimeKind::kUTCTime && (f.fractionDigits != 0 || f.zone == TimeZone::kLocal)) {
+  if (kind == TimeKind::kUTCTime && (f.fractionDigits != 0 || f.zone == ASN1TimeFields::kLocal)) {
     return ASN_E_INVDATETIME;
   }
   return 0;
@@ -240,7 +240,7 @@ int ParseTimeText(TimeKind kind, bool der, const char* text, size_t length, Time
 }
 
 int ShiftToUTC(TimeKind kind, TimeFields* fields) {
-  if (fields->zone != TimeZone::kOffset) return 0;
+  if (fields->zone != ASN1TimeFields::kOffset) return 0;
   int64_t minutes = DaysFromCivil(fields->year, fields->month, fields->day) * 1440 +
                     fields->hour * 60 + fields->minute - fields->offsetMinutes;
   int64_t days = FloorDivide(minutes, 1440);
@@ -256,7 +256,7 @@ int ShiftToUTC(TimeKind kind, TimeFields* fields) {
   fields->day = day;
   fields->hour = static_cast<int>(minuteOfDay / 60);
   fields->minute = static_cast<int>(minuteOfDay % 60);
-  fields->zone = TimeZone::kUTC;
+  fields->zone = ASN1TimeFields::kUTC;
   fields->offsetMinutes = 0;
   return 0;
 }
@@ -266,7 +266,7 @@ int FormatTimeText(TimeKind kind, bool der, TimeFields const& fields, char* out)
   if (der) {
     int status = ShiftToUTC(kind, &f);
     if (status != 0) return status;
-    f.zone = TimeZone::kUTC;
+    f.zone = ASN1TimeFields::kUTC;
   }
   char* p = out;
   if (kind == TimeKind::kUTCTime) {
@@ -284,13 +284,13 @@ int FormatTimeText(TimeKind kind, bool der, TimeFields const& fields, char* out)
     memcpy(p, f.fraction, static_cast<size_t>(f.fractionDigits));
     p += f.fractionDigits;
   }
-  if (f.zone == TimeZone::kOffset) {
+  if (f.zone == ASN1TimeFields::kOffset) {
     int offset = f.offsetMinutes;
     *p++ = offset < 0 ? '-' : '+';
     if (offset < 0) offset = -offset;
     PutNumber(&p, offset / 60, 2);
     PutNumber(&p, offset % 60, 2);
-  } else if (f.zone == TimeZone::kUTC || kind == TimeKind::kUTCTime) {
+  } else if (f.zone == ASN1TimeFields::kUTC || kind == TimeKind::kUTCTime) {
     *p++ = 'Z';
   }
   *p = '\0';

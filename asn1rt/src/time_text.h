@@ -13,29 +13,16 @@
 
 #include <stddef.h>
 
+#include <korvex/asn1rt/ASN1CTime.h>
+
 namespace Korvex {
 namespace rt {
 
-// Most fraction digits a time value keeps; longer fractions are refused.
-constexpr int kMaxFractionDigits = 32;
+using TimeFields = ASN1TimeFields;
+constexpr int kMaxFractionDigits = ASN1TimeFields::kMaxFractionDigits;
 // Longest text either form produces, without the NUL:
 // YYYYMMDDhhmmss "." fraction "+hhmm".
 constexpr size_t kMaxTimeTextLength = 14 + 1 + kMaxFractionDigits + 5;
-
-enum class TimeZone { kLocal, kUTC, kOffset };
-
-struct TimeFields {
-  int year = 0;
-  int month = 0;
-  int day = 0;
-  int hour = 0;
-  int minute = 0;
-  int second = 0;
-  int fractionDigits = 0;  // digits in `fraction`, never with a trailing zero
-  char fraction[kMaxFractionDigits] = {};
-  TimeZone zone = TimeZone::kUTC;
-  int offsetMinutes = 0;  // east of UTC, when zone is kOffset
-};
 
 enum class TimeKind { kUTCTime, kGeneralizedTime };
 

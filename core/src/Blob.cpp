@@ -12,12 +12,7 @@ namespace Korvex {
 
 CBlob::CBlob() : m_cbData(0), m_pbData(nullptr) {}
 
-CBlob::CBlob(unsigned long n) : m_cbData(0), m_pbData(nullptr) {
-  if (n != 0) {
-    m_pbData = new unsigned char[n]();
-    m_cbData = n;
-  }
-}
+CBlob::CBlob(unsigned long n) : m_cbData(n), m_pbData(new unsigned char[n]()) {}
 
 CBlob::CBlob(unsigned char const* p, unsigned long n) : m_cbData(0), m_pbData(nullptr) {
   assign(p, n);

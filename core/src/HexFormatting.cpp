@@ -1,6 +1,10 @@
 // Hex dumps for diagnostics and display.
 #include <korvex/core/HexFormatting.h>
 
+#include <climits>
+
+#include <korvex/platform/atl/atlexcept.h>
+
 namespace {
 
 constexpr unsigned long kBytesPerLine = 8;

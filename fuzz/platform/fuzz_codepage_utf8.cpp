@@ -1,12 +1,12 @@
 // UTF-8 code-page conversions: the size query agrees with the conversion,
 // strict and lenient decoding agree on valid input, and whatever is decoded
 // encodes back (to the same bytes when the input was valid).
-#include <korvex/platform/win32/stringapiset.h>
-
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <string>
+
+#include <korvex/platform/win32/stringapiset.h>
 
 namespace {
 

@@ -1,7 +1,7 @@
 // Parsing of the configuration file text and of its numbers.
-#include <climits>
-
 #include "config.h"
+
+#include <climits>
 
 namespace korvex::support {
 namespace {

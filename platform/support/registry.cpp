@@ -1,8 +1,9 @@
 // The configuration registry: values read from a plain-text file that is
 // re-read whenever it changes, so a long-running process picks up edits and
 // tests can switch files by changing KORVEX_CONFIG.
-#include <fcntl.h>
 #include <korvex/platform/support/support.h>
+
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 

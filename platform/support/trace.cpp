@@ -2,8 +2,9 @@
 // configuration names. Nothing is kept open between lines, and the settings
 // are looked up on every call, so editing the configuration file switches
 // tracing on or off in a running process without reopening contexts.
-#include <fcntl.h>
 #include <korvex/platform/support/support.h>
+
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>

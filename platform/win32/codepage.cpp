@@ -4,13 +4,13 @@
 // converted by our own strict codec so the result does not depend on the C
 // library's leniency (glibc's UTF-8 locales, for one, accept code points
 // above U+10FFFF).
-#include <korvex/platform/win32/errhandlingapi.h>
-#include <korvex/platform/win32/stringapiset.h>
-#include <korvex/platform/win32/winerror.h>
-
 #include <climits>
 #include <cstring>
 #include <cwchar>
+
+#include <korvex/platform/win32/errhandlingapi.h>
+#include <korvex/platform/win32/stringapiset.h>
+#include <korvex/platform/win32/winerror.h>
 
 #include "utf8_codec.h"
 

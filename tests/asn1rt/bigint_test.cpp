@@ -170,15 +170,20 @@ TEST(BigIntFromText, NullTextAndShortAreas) {
 
 TEST(BigIntFromTextUnsigned, MagnitudeWithSignOctet) {
   static const TextCase kCases[] = {
-      {"0", "00"},     {"127", "7F"},        {"128", "0080"},     {"255", "00FF"},
-      {"0xff", "00FF"}, {"65535", "00FFFF"}, {"-5", "05"},        {"-128", "0080"},
-      {"4294967295", "00FFFFFFFF"},          {"0x80000000", "0080000000"},
+      {"0", "00"},       {"-0", "00"},         {"127", "7F"},
+      {"128", "0080"},   {"255", "00FF"},      {"0xff", "00FF"},
+      {"65535", "00FFFF"}, {"4294967295", "00FFFFFFFF"}, {"0x80000000", "0080000000"},
   };
   for (auto const& c : kCases) {
     SCOPED_TRACE(c.text);
     Bytes octets;
     ASSERT_GT(FromText(c.text, RT_BIGINT_RADIX_AUTO, &octets, true), 0);
     EXPECT_EQ(ToHex(octets), c.octets);
+  }
+  for (const char* negative : {"-1", "-5", "-0x80", "-0b1"}) {
+    SCOPED_TRACE(negative);
+    Bytes octets;
+    EXPECT_EQ(FromText(negative, RT_BIGINT_RADIX_AUTO, &octets, true), -9);
   }
 }
 

@@ -1,9 +1,10 @@
 #include <gtest/gtest.h>
-#include <korvex/cades/policy.h>
 
 #include <climits>
 #include <list>
 #include <string>
+
+#include <korvex/cades/policy.h>
 
 namespace {
 

@@ -1,10 +1,11 @@
 #include <gtest/gtest.h>
-#include <korvex/platform/win32/errhandlingapi.h>
-#include <korvex/platform/win32/stringapiset.h>
-#include <korvex/platform/win32/winerror.h>
 
 #include <clocale>
 #include <string>
+
+#include <korvex/platform/win32/errhandlingapi.h>
+#include <korvex/platform/win32/stringapiset.h>
+#include <korvex/platform/win32/winerror.h>
 
 namespace {
 

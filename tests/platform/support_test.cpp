@@ -1,6 +1,6 @@
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <korvex/platform/support/support.h>
+
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -15,6 +15,8 @@
 #include <string>
 #include <thread>
 #include <vector>
+
+#include <korvex/platform/support/support.h>
 
 namespace {
 

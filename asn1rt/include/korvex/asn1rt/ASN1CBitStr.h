@@ -23,6 +23,7 @@
 #ifndef KORVEX_ASN1RT_ASN1CBITSTR_H
 #define KORVEX_ASN1RT_ASN1CBITSTR_H
 
+#include <korvex/asn1rt/asn1CppTypes.h>
 #include <korvex/asn1rt/asn1type.h>
 
 class KORVEX_API ASN1CBitStr {
@@ -33,10 +34,15 @@ class KORVEX_API ASN1CBitStr {
   // ASN1CBitStr(ctxt, bitStr, maxBits) works on a dynamic record whose
   // storage comes from ctxt's type heap; maxBits 0 means kMaxBits.
   ASN1CBitStr(ASN1CTXT* ctxt, ASN1DynBitStr& bitStr, ASN1UINT maxBits = 0);
+  // The same with the context of a message buffer or a control object, which
+  // is kept alive while this object lives.
+  ASN1CBitStr(ASN1MessageBufferIF& buffer, ASN1DynBitStr& bitStr, ASN1UINT maxBits = 0);
+  ASN1CBitStr(ASN1CType& control, ASN1DynBitStr& bitStr, ASN1UINT maxBits = 0);
   // ASN1CBitStr(data, numbits, capacityBits) works on a fixed array of
   // (capacityBits + 7) / 8 octets whose current length is numbits (a count
   // above the capacity is cut to it, so nothing past the array is read).
   ASN1CBitStr(ASN1OCTET* data, ASN1UINT& numbits, ASN1UINT capacityBits);
+  ~ASN1CBitStr();
   ASN1CBitStr(const ASN1CBitStr&) = delete;
   ASN1CBitStr& operator=(const ASN1CBitStr&) = delete;
 
@@ -108,6 +114,7 @@ class KORVEX_API ASN1CBitStr {
   int lengthen(ASN1UINT numbits);
   int changeRange(ASN1UINT from, ASN1UINT to, int how);
 
+  ASN1Context* m_context;  // held reference, when made from a buffer or control object
   ASN1CTXT* m_ctxt;
   ASN1UINT* m_numbits;
   const ASN1OCTET** m_dynData;  // the record's data pointer (dynamic records)

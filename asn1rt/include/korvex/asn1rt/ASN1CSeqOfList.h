@@ -21,7 +21,16 @@
 
 #include <stddef.h>
 
+#include <korvex/asn1rt/asn1CppTypes.h>
 #include <korvex/asn1rt/asn1type.h>
+
+#ifdef __cplusplus
+// ASN1TSeqOfList: the list form of a generated SEQUENCE OF / SET OF record
+// field, an rtDList that starts empty.
+struct ASN1TSeqOfList : public rtDList {
+  ASN1TSeqOfList() { rtDListInit(this); }
+};
+#endif
 
 class ASN1CSeqOfList;
 
@@ -71,6 +80,11 @@ class KORVEX_API ASN1CSeqOfList {
   // ASN1CSeqOfList(ctxt, list) works on `list` with ctxt's type heap; a null
   // ctxt gives a read-only list object.
   ASN1CSeqOfList(ASN1CTXT* ctxt, rtDList& list);
+  // ASN1CSeqOfList(buffer, list) / (control, list) use the context of a
+  // message buffer or a control object, and keep it alive while they live.
+  ASN1CSeqOfList(ASN1MessageBufferIF& buffer, rtDList& list);
+  ASN1CSeqOfList(ASN1CType& control, rtDList& list);
+  ~ASN1CSeqOfList();
   ASN1CSeqOfList(const ASN1CSeqOfList&) = delete;
   ASN1CSeqOfList& operator=(const ASN1CSeqOfList&) = delete;
 
@@ -120,6 +134,7 @@ class KORVEX_API ASN1CSeqOfList {
   rtDListNode* nodeAt(int index) const;
   void changed() { ++m_changes; }
 
+  ASN1Context* m_context;  // held reference, when made from a buffer or control object
   ASN1CTXT* m_ctxt;
   rtDList* m_list;
   unsigned int m_changes;  // counts structural changes, for the iterators

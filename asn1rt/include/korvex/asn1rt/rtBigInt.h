@@ -40,10 +40,10 @@ KORVEX_BEGIN_C
 KORVEX_API int rtBigIntFromText(const char* text, int radix, unsigned char* octets,
                                 size_t capacity);
 
-// rtBigIntFromTextUnsigned is rtBigIntFromText writing the value's
-// magnitude as unsigned content octets: minimal, with a leading 00 when the
-// first octet's top bit is set (255 gives 00 FF, as for INTEGER 255). A '-'
-// sign is accepted and dropped ("-5" gives 05). Same results otherwise.
+// rtBigIntFromTextUnsigned is rtBigIntFromText for a value that must not be
+// negative: it writes the minimal unsigned octets with a leading 00 when the
+// first octet's top bit is set (255 gives 00 FF, the same octets as INTEGER
+// 255). A negative value gives -9 ("-0" is zero and accepted).
 KORVEX_API int rtBigIntFromTextUnsigned(const char* text, int radix, unsigned char* octets,
                                         size_t capacity);
 

@@ -40,7 +40,7 @@ class KORVEX_API SignaturePolicy {
  public:
   // Signature-type codes: the low 16 bits of the constructor's argument.
   // 0 and 0x5D both select X Long Type 1; any other code selects nothing.
-  static constexpr unsigned int kTypeDefault = 0x0000;     // X Long Type 1
+  static constexpr unsigned int kTypeDefault = 0x0000;  // X Long Type 1
   static constexpr unsigned int kTypeBes = 0x0001;
   static constexpr unsigned int kTypeT = 0x0005;
   static constexpr unsigned int kTypeXLongType1 = 0x005D;
@@ -79,9 +79,9 @@ class KORVEX_API SignaturePolicy {
   // on paths through it (RFC 3125 CertificateTrustPoint). The library never
   // creates one; callers fill the trust-point lists when their policy has any.
   struct KORVEX_API TrustPoint {
-    std::vector<unsigned char> certificate;       // DER of the trusted certificate
-    int path_length_constraint = -1;              // most intermediate CAs; -1: no limit
-    std::list<std::string> acceptable_policies;   // dotted certificate-policy OIDs; empty: any
+    std::vector<unsigned char> certificate;      // DER of the trusted certificate
+    int path_length_constraint = -1;             // most intermediate CAs; -1: no limit
+    std::list<std::string> acceptable_policies;  // dotted certificate-policy OIDs; empty: any
 
     bool operator==(TrustPoint const& other) const;
     bool operator!=(TrustPoint const& other) const { return !(*this == other); }

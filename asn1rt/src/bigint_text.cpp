@@ -1,7 +1,6 @@
 // bigint_text.cpp: the C functions of rtBigInt.h over BigValue.
-#include <korvex/asn1rt/rtBigInt.h>
-
 #include <korvex/asn1rt/asn1type.h>
+#include <korvex/asn1rt/rtBigInt.h>
 #include <limits.h>
 #include <string.h>
 
@@ -12,7 +11,6 @@
 using Korvex::rt::BigValue;
 
 namespace {
-
 
 int CopyOctets(std::vector<uint8_t> const& value, unsigned char* octets, size_t capacity) {
   if (value.size() > static_cast<size_t>(INT_MAX)) return ASN_E_STROVFLW;
@@ -69,8 +67,7 @@ int rtBigIntFromText(const char* text, int radix, unsigned char* octets, size_t 
   return FromText(text, radix, false, octets, capacity);
 }
 
-int rtBigIntFromTextUnsigned(const char* text, int radix, unsigned char* octets,
-                             size_t capacity) {
+int rtBigIntFromTextUnsigned(const char* text, int radix, unsigned char* octets, size_t capacity) {
   return FromText(text, radix, true, octets, capacity);
 }
 

@@ -39,7 +39,7 @@ class BigValue {
  private:
   void Trim();
   void MulAdd(uint32_t factor, uint32_t addend);
-  uint32_t DivideSmall(uint32_t divisor);  // returns the remainder
+  uint32_t DivideSmall(uint32_t divisor);        // returns the remainder
   std::vector<uint8_t> MagnitudeOctets() const;  // minimal big-endian, empty for zero
   int CompareMagnitude(BigValue const& other) const;
   void SetBits(const char* digits, size_t count, unsigned bitsPerDigit);

@@ -1,6 +1,5 @@
 // bitstr.cpp: ASN1CBitStr storage, length and single bits.
 #include <korvex/asn1rt/ASN1CBitStr.h>
-
 #include <string.h>
 
 #include <algorithm>
@@ -84,7 +83,8 @@ ASN1OCTET* ASN1CBitStr::writable(ASN1UINT bits, int* status) {
   }
   if (used != 0) memcpy(block, current, used);
   // Octets read from elsewhere may carry bits past the length (BER lets
-  // the unused bits be anything, X.690 8.6.2.3); ours are kept zero.
+  // the unused bits be anything); ours keep them zero, as DER wants
+  // (X.690 11.2.1).
   if (used * 8 > *m_numbits) ZeroBits(block, *m_numbits, static_cast<ASN1UINT>(used * 8));
   if (ours) rtMemHeapFreePtr(&m_ctxt->pTypeMemHeap, m_owned);
   m_owned = block;

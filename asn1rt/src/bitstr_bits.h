@@ -8,7 +8,7 @@
 namespace Korvex {
 namespace rt {
 
-// Bit n is in octet n / 8, counted from the top bit (X.690 8.6.2.1).
+// Bit n is in octet n / 8, counted from the top bit (X.690 8.6.2).
 inline ASN1OCTET BitMask(ASN1UINT bit) { return static_cast<ASN1OCTET>(0x80u >> (bit % 8)); }
 
 inline size_t OctetsFor(ASN1UINT bits) { return (static_cast<size_t>(bits) + 7) / 8; }

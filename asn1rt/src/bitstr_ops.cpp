@@ -1,6 +1,5 @@
 // bitstr_ops.cpp: ASN1CBitStr queries, extraction and bitwise combination.
 #include <korvex/asn1rt/ASN1CBitStr.h>
-
 #include <string.h>
 
 #include <algorithm>
@@ -36,7 +35,8 @@ int ASN1CBitStr::get(ASN1UINT from, ASN1UINT to, ASN1OCTET* out, size_t outSize)
   const ASN1OCTET* bits = data();
   if (from % 8 == 0) {
     if (count != 0) memcpy(out, bits + from / 8, count);
-    if (count != 0) out[count - 1] = static_cast<ASN1OCTET>(out[count - 1] & LastOctetMask(to - from));
+    if (count != 0)
+      out[count - 1] = static_cast<ASN1OCTET>(out[count - 1] & LastOctetMask(to - from));
     return static_cast<int>(count);
   }
   for (ASN1UINT i = from; i < to; ++i) {
@@ -111,19 +111,33 @@ int ASN1CBitStr::combine(Op op, const ASN1OCTET* other, ASN1UINT otherBits) {
   for (size_t i = 0; i < count; ++i) {
     ASN1OCTET value = i < operand.size() ? operand[i] : 0;
     switch (op) {
-      case Op::kAnd: bits[i] = static_cast<ASN1OCTET>(bits[i] & value); break;
-      case Op::kOr: bits[i] = static_cast<ASN1OCTET>(bits[i] | value); break;
-      case Op::kXor: bits[i] = static_cast<ASN1OCTET>(bits[i] ^ value); break;
-      case Op::kAndNot: bits[i] = static_cast<ASN1OCTET>(bits[i] & ~value); break;
+      case Op::kAnd:
+        bits[i] = static_cast<ASN1OCTET>(bits[i] & value);
+        break;
+      case Op::kOr:
+        bits[i] = static_cast<ASN1OCTET>(bits[i] | value);
+        break;
+      case Op::kXor:
+        bits[i] = static_cast<ASN1OCTET>(bits[i] ^ value);
+        break;
+      case Op::kAndNot:
+        bits[i] = static_cast<ASN1OCTET>(bits[i] & ~value);
+        break;
     }
   }
   ZeroBits(bits, length, static_cast<ASN1UINT>(count * 8));
   return 0;
 }
 
-int ASN1CBitStr::doAnd(const ASN1OCTET* other, ASN1UINT bits) { return combine(Op::kAnd, other, bits); }
-int ASN1CBitStr::doOr(const ASN1OCTET* other, ASN1UINT bits) { return combine(Op::kOr, other, bits); }
-int ASN1CBitStr::doXor(const ASN1OCTET* other, ASN1UINT bits) { return combine(Op::kXor, other, bits); }
+int ASN1CBitStr::doAnd(const ASN1OCTET* other, ASN1UINT bits) {
+  return combine(Op::kAnd, other, bits);
+}
+int ASN1CBitStr::doOr(const ASN1OCTET* other, ASN1UINT bits) {
+  return combine(Op::kOr, other, bits);
+}
+int ASN1CBitStr::doXor(const ASN1OCTET* other, ASN1UINT bits) {
+  return combine(Op::kXor, other, bits);
+}
 int ASN1CBitStr::doAndNot(const ASN1OCTET* other, ASN1UINT bits) {
   return combine(Op::kAndNot, other, bits);
 }

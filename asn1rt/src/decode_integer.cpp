@@ -42,7 +42,7 @@ int xd_boolean(ASN1CTXT* ctxt, ASN1BOOL* value, ASN1TagType tagging, int length)
 
 int xd_integer(ASN1CTXT* ctxt, ASN1INT* value, ASN1TagType tagging, int length) {
   if (!value) return Fail(ctxt, ASN_E_BADVALUE);
-  long long v;
+  long long v = 0;
   int stat = ReadSigned(ctxt, ASN_ID_INT, tagging, length, 4, &v);
   if (stat == ASN_OK) *value = static_cast<ASN1INT>(v);
   return stat;
@@ -50,7 +50,7 @@ int xd_integer(ASN1CTXT* ctxt, ASN1INT* value, ASN1TagType tagging, int length) 
 
 int xd_enum(ASN1CTXT* ctxt, ASN1INT* value, ASN1TagType tagging, int length) {
   if (!value) return Fail(ctxt, ASN_E_BADVALUE);
-  long long v;
+  long long v = 0;
   int stat = ReadSigned(ctxt, ASN_ID_ENUM, tagging, length, 4, &v);
   if (stat == ASN_OK) *value = static_cast<ASN1INT>(v);
   return stat;
@@ -58,7 +58,7 @@ int xd_enum(ASN1CTXT* ctxt, ASN1INT* value, ASN1TagType tagging, int length) {
 
 int xd_int64(ASN1CTXT* ctxt, ASN1INT64* value, ASN1TagType tagging, int length) {
   if (!value) return Fail(ctxt, ASN_E_BADVALUE);
-  long long v;
+  long long v = 0;
   int stat = ReadSigned(ctxt, ASN_ID_INT, tagging, length, 8, &v);
   if (stat == ASN_OK) *value = v;
   return stat;
@@ -66,7 +66,7 @@ int xd_int64(ASN1CTXT* ctxt, ASN1INT64* value, ASN1TagType tagging, int length) 
 
 int xd_uint16(ASN1CTXT* ctxt, ASN1USINT* value, ASN1TagType tagging, int length) {
   if (!value) return Fail(ctxt, ASN_E_BADVALUE);
-  long long v;
+  long long v = 0;
   int stat = ReadSigned(ctxt, ASN_ID_INT, tagging, length, 4, &v);
   if (stat != ASN_OK) return stat;
   if (v < 0 || v > 0xFFFF) return Fail(ctxt, ASN_E_TOOBIG);

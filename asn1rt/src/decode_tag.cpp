@@ -106,8 +106,8 @@ int ReadTag1(ASN1CTXT* ctxt, int expected, bool matchAny, int* length) {
   const ASN1OCTET* d = ctxt->buffer.data;
   const ASN1UINT size = ctxt->buffer.size;
   ASN1UINT i = start + 1;
-  // Short definite length: the hot path of every decoder.
-  if (i < size && d[i] < 0x80) {
+  // Low tag number and short definite length: the hot path of every decoder.
+  if ((b & 0x1F) != 0x1F && i < size && d[i] < 0x80) {
     ASN1UINT len = d[i];
     if ((ctxt->flags & ASN1NOLENCHECK) || len <= size - i - 1) {
       ctxt->buffer.byteIndex = i + 1;
@@ -215,10 +215,12 @@ int xd_tag_len(ASN1CTXT* ctxt, ASN1TAG* tag, int* length, ASN1OCTET flags) {
 }
 
 int xd_match(ASN1CTXT* ctxt, ASN1TAG tag, int* length, ASN1OCTET flags) {
-  ASN1BUFSAVE entry;
-  xu_SaveBufferState(ctxt, &entry);
+  // A failed match leaves cursor and flags exactly as they were.
+  const ASN1UINT entryIndex = ctxt->buffer.byteIndex;
+  const ASN1USINT entryFlags = ctxt->flags;
   auto failAt = [&](int stat) {
-    xu_RestoreBufferState(ctxt, &entry);
+    ctxt->buffer.byteIndex = entryIndex;
+    ctxt->flags = entryFlags;
     return Fail(ctxt, stat);
   };
   if (flags & XM_SKIP) {

@@ -64,7 +64,7 @@ int xe_memcpy(ASN1CTXT* ctxt, const ASN1OCTET* bytes, ASN1UINT n) {
     ctxt->buffer.data[--ctxt->buffer.byteIndex] = *bytes;
     return 1;
   }
-  ASN1OCTET* dest;
+  ASN1OCTET* dest = nullptr;
   int stat = korvex_rt::Reserve(ctxt, n, &dest);
   if (stat != ASN_OK) return stat;
   if (n) std::memcpy(dest, bytes, n);

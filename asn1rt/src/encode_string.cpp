@@ -28,7 +28,7 @@ int xe_bitstr(ASN1CTXT* ctxt, const ASN1OCTET* data, ASN1UINT numbits, ASN1TagTy
       unused = static_cast<ASN1OCTET>(8 - numbits % 8);
     }
   }
-  ASN1OCTET* dest;
+  ASN1OCTET* dest = nullptr;
   int stat = korvex_rt::Reserve(ctxt, numocts + 1, &dest);
   if (stat != ASN_OK) return stat;
   dest[0] = unused;
@@ -65,7 +65,7 @@ int xe_16BitCharStr(ASN1CTXT* ctxt, const Asn116BitCharString* str, ASN1TagType 
   if (!str || (!str->data && str->nchars)) return Fail(ctxt, ASN_E_BADVALUE);
   if (str->nchars > ASN1_MEMBLOCK_MAX / 2) return Fail(ctxt, ASN_E_BUFOVFLW);
   ASN1UINT n = str->nchars * 2;
-  ASN1OCTET* dest;
+  ASN1OCTET* dest = nullptr;
   int stat = korvex_rt::Reserve(ctxt, n, &dest);
   if (stat != ASN_OK) return stat;
   for (ASN1UINT i = 0; i < str->nchars; ++i) {
@@ -80,7 +80,7 @@ int xe_32BitCharStr(ASN1CTXT* ctxt, const Asn132BitCharString* str, ASN1TagType 
   if (!str || (!str->data && str->nchars)) return Fail(ctxt, ASN_E_BADVALUE);
   if (str->nchars > ASN1_MEMBLOCK_MAX / 4) return Fail(ctxt, ASN_E_BUFOVFLW);
   ASN1UINT n = str->nchars * 4;
-  ASN1OCTET* dest;
+  ASN1OCTET* dest = nullptr;
   int stat = korvex_rt::Reserve(ctxt, n, &dest);
   if (stat != ASN_OK) return stat;
   for (ASN1UINT i = 0; i < str->nchars; ++i) {

@@ -48,7 +48,7 @@ int xe_tag_len(ASN1CTXT* ctxt, ASN1TAG tag, int length) {
   ASN1OCTET tmp[16];
   int n = korvex_rt::PutHeaderBackwards(tmp + sizeof(tmp), tag, length);
   if (length > INT_MAX - n) return Fail(ctxt, ASN_E_BUFOVFLW);
-  ASN1OCTET* dest;
+  ASN1OCTET* dest = nullptr;
   int stat = korvex_rt::Reserve(ctxt, static_cast<ASN1UINT>(n), &dest);
   if (stat != ASN_OK) return stat;
   const ASN1OCTET* src = tmp + sizeof(tmp) - n;

@@ -45,9 +45,7 @@ bool SameArcs(Left const& a, Right const& b) {
 }  // namespace
 
 ASN1TObjId::ASN1TObjId() : ASN1OBJID() {}
-ASN1TObjId::ASN1TObjId(ASN1UINT count, const ASN1UINT* subids) : ASN1OBJID() {
-  set(count, subids);
-}
+ASN1TObjId::ASN1TObjId(ASN1UINT count, const ASN1UINT* subids) : ASN1OBJID() { set(count, subids); }
 ASN1TObjId::ASN1TObjId(const ASN1OBJID& oid) : ASN1OBJID() { set(oid); }
 ASN1TObjId::ASN1TObjId(const ASN1TObjId& oid) : ASN1OBJID() { set(oid); }
 ASN1TObjId::ASN1TObjId(const ASN1OBJID64& oid) : ASN1OBJID() { set(oid); }

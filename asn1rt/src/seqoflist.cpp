@@ -72,9 +72,7 @@ int ASN1CSeqOfList::set(int index, void* data) {
   return 0;
 }
 
-int ASN1CSeqOfList::indexOf(const void* data) const {
-  return rtDListFindIndexByData(m_list, data);
-}
+int ASN1CSeqOfList::indexOf(const void* data) const { return rtDListFindIndexByData(m_list, data); }
 
 int ASN1CSeqOfList::remove(int index) {
   if (m_ctxt == nullptr) return ASN_E_INVPARAM;

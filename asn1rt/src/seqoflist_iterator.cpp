@@ -86,9 +86,8 @@ int ASN1CSeqOfListIterator::insert(void* data) {
   if (m_owner == nullptr || m_owner->m_ctxt == nullptr) return m_status = ASN_E_INVPARAM;
   // rtDListInsertBefore puts a node at the head when given none, so the
   // end of the list is an append.
-  rtDListNode* node = m_next != nullptr
-                          ? rtDListInsertBefore(m_owner->m_ctxt, m_list, m_next, data)
-                          : rtDListAppend(m_owner->m_ctxt, m_list, data);
+  rtDListNode* node = m_next != nullptr ? rtDListInsertBefore(m_owner->m_ctxt, m_list, m_next, data)
+                                        : rtDListAppend(m_owner->m_ctxt, m_list, data);
   if (node == nullptr) return m_status = ASN_E_NOMEM;
   m_lastReturned = nullptr;
   m_owner->changed();

@@ -1,7 +1,6 @@
 // time_class.cpp: ASN1CTime, the fields of a bound UTCTime or
 // GeneralizedTime text.
 #include <korvex/asn1rt/ASN1CTime.h>
-
 #include <string.h>
 
 #include "time_text.h"
@@ -23,14 +22,11 @@ constexpr unsigned int kDaySet = 4;
 constexpr unsigned int kDateSet = kYearSet | kMonthSet | kDaySet;
 constexpr int kMaxOffsetMinutes = 23 * 60 + 59;
 
-TimeKind KindOf(bool utcTime) {
-  return utcTime ? TimeKind::kUTCTime : TimeKind::kGeneralizedTime;
-}
+TimeKind KindOf(bool utcTime) { return utcTime ? TimeKind::kUTCTime : TimeKind::kGeneralizedTime; }
 
 }  // namespace
 
-ASN1CTime::ASN1CTime(bool utcTime, ASN1MessageBufferIF& buffer, const char*& text,
-                     bool useDerRules)
+ASN1CTime::ASN1CTime(bool utcTime, ASN1MessageBufferIF& buffer, const char*& text, bool useDerRules)
     : ASN1CType(buffer),
       mUTCTime(utcTime),
       mDer(useDerRules),
@@ -90,19 +86,21 @@ int ASN1CTime::refresh() {
   return 0;
 }
 
-int ASN1CTime::field(int value, unsigned int mask) {
+// field reads the bound text first, then the field: the value must not be
+// taken before the text is read.
+int ASN1CTime::field(int ASN1TimeFields::*member, unsigned int mask) {
   int status = refresh();
   if (status != 0) return status;
   if ((mSetMask & mask) != mask) return ASN_E_INVDATETIME;
-  return value;
+  return mFields.*member;
 }
 
-int ASN1CTime::getYear() { return field(mFields.year, kYearSet); }
-int ASN1CTime::getMonth() { return field(mFields.month, kMonthSet); }
-int ASN1CTime::getDay() { return field(mFields.day, kDaySet); }
-int ASN1CTime::getHour() { return field(mFields.hour, 0); }
-int ASN1CTime::getMinute() { return field(mFields.minute, 0); }
-int ASN1CTime::getSecond() { return field(mFields.second, 0); }
+int ASN1CTime::getYear() { return field(&ASN1TimeFields::year, kYearSet); }
+int ASN1CTime::getMonth() { return field(&ASN1TimeFields::month, kMonthSet); }
+int ASN1CTime::getDay() { return field(&ASN1TimeFields::day, kDaySet); }
+int ASN1CTime::getHour() { return field(&ASN1TimeFields::hour, 0); }
+int ASN1CTime::getMinute() { return field(&ASN1TimeFields::minute, 0); }
+int ASN1CTime::getSecond() { return field(&ASN1TimeFields::second, 0); }
 
 int ASN1CTime::getFraction(int precision) {
   int status = refresh();
@@ -145,8 +143,8 @@ int ASN1CTime::checkPartial(ASN1TimeFields const& f, unsigned int setMask) const
   if ((setMask & kMonthSet) && (f.month < 1 || f.month > 12)) return ASN_E_INVDATETIME;
   if (setMask & kDaySet) {
     // Without a year, 29 February stays possible; without a month, day 31.
-    int days = DaysInMonth((setMask & kYearSet) ? f.year : 2000,
-                           (setMask & kMonthSet) ? f.month : 1);
+    int days =
+        DaysInMonth((setMask & kYearSet) ? f.year : 2000, (setMask & kMonthSet) ? f.month : 1);
     if (f.day < 1 || f.day > days) return ASN_E_INVDATETIME;
   }
   // The rest is checked as a whole on a complete date that no check refuses.

@@ -104,7 +104,7 @@ int ParseUTCTime(bool der, Reader* in, TimeFields* out) {
   } else if (der) {
     return ASN_E_IDNOTFOU;  // X.690 11.8.2: seconds are always present
   }
-  if (in->AtEnd()) return ASN_E_IDNOTFOU;  // X.680 47.3: the zone is not optional
+  if (in->AtEnd()) return ASN_E_IDNOTFOU;               // X.680 47.3: the zone is not optional
   if (der && in->Peek() != 'Z') return ASN_E_IDNOTFOU;  // X.690 11.8.1
   int status = ReadZone(in, true, out);
   if (status != 0) return status;

@@ -11,9 +11,8 @@
 #ifndef KORVEX_ASN1RT_SRC_TIME_TEXT_H
 #define KORVEX_ASN1RT_SRC_TIME_TEXT_H
 
-#include <stddef.h>
-
 #include <korvex/asn1rt/ASN1CTime.h>
+#include <stddef.h>
 
 namespace Korvex {
 namespace rt {

@@ -1,12 +1,10 @@
 // utf8_codec.cpp: one UTF-8 character at a time (RFC 3629 section 4 table of
 // well-formed byte sequences), and whole-text validation.
-#include <korvex/asn1rt/rtUTF8.h>
-
 #include <korvex/asn1rt/asn1type.h>
+#include <korvex/asn1rt/rtUTF8.h>
 #include <limits.h>
 
 namespace {
-
 
 bool IsContinuation(unsigned char octet) { return (octet & 0xC0) == 0x80; }
 

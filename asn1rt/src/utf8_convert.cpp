@@ -1,14 +1,12 @@
 // utf8_convert.cpp: whole-text conversions between UTF-8 and wide, 32-bit
 // and 16-bit units. Every conversion checks the whole input before it reports
 // a size, so a size query and the real conversion agree.
-#include <korvex/asn1rt/rtUTF8.h>
-
 #include <korvex/asn1rt/asn1type.h>
+#include <korvex/asn1rt/rtUTF8.h>
 #include <limits.h>
 #include <string.h>
 
 namespace {
-
 
 size_t TextLength(const char* text) { return strlen(text); }
 size_t TextLength(const wchar_t* text) { return wcslen(text); }
@@ -82,8 +80,7 @@ int rtWCSToUTF8(const wchar_t* text, char* out, size_t capacity) {
   if (text == nullptr) return ASN_E_INVPARAM;
   // wchar_t is signed: a negative unit is no character (rtUTF8EncodeChar
   // refuses the large unsigned value it turns into).
-  return EncodeUTF8(text, TextLength(text), out, capacity,
-                    [](wchar_t unit) { return unit < 0; });
+  return EncodeUTF8(text, TextLength(text), out, capacity, [](wchar_t unit) { return unit < 0; });
 }
 
 int rtUTF8ToUCS4(const char* text, size_t length, unsigned int* out, size_t capacity) {

@@ -1,7 +1,6 @@
 // ASN1CBitStr over dynamic and fixed BIT STRING records.
-#include <korvex/asn1rt/ASN1CBitStr.h>
-
 #include <gtest/gtest.h>
+#include <korvex/asn1rt/ASN1CBitStr.h>
 
 #include <string>
 #include <vector>
@@ -245,6 +244,18 @@ TEST(BitStrNoContext, DynamicRecordWithoutContextCannotChange) {
   EXPECT_EQ(bits.set(0), -30);
   EXPECT_EQ(record.numbits, 0u);
   EXPECT_EQ(bits.clear(0), 0);  // nothing to clear
+}
+
+TEST(BitStrContexts, ABufferContextLivesAsLongAsTheBitString) {
+  auto* buffer = new ASN1BEREncodeBuffer;
+  ASN1TDynBitStr record;
+  {
+    ASN1CBitStr bits(*buffer, record, 8);
+    delete buffer;
+    ASSERT_EQ(bits.set(7), 0);
+    EXPECT_EQ(bits.length(), 8u);
+    EXPECT_EQ(bits.set(8), -29);
+  }
 }
 
 }  // namespace

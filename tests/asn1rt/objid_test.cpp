@@ -1,7 +1,6 @@
 // ASN1TObjId / ASN1TObjId64: construction, assignment and the -1 failures.
-#include <korvex/asn1rt/ASN1TObjId.h>
-
 #include <gtest/gtest.h>
+#include <korvex/asn1rt/ASN1TObjId.h>
 
 #include <vector>
 

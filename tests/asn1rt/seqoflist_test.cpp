@@ -1,7 +1,7 @@
 // ASN1CSeqOfList and its iterator over an rtDList.
-#include <korvex/asn1rt/ASN1CSeqOfList.h>
-
 #include <gtest/gtest.h>
+#include <korvex/asn1rt/ASN1CSeqOfList.h>
+#include <korvex/asn1rt/ASN1CTime.h>
 
 #include <string>
 #include <vector>
@@ -149,7 +149,7 @@ TEST_F(SeqOfListTest, IteratorChangesFollowListIteratorRules) {
   EXPECT_EQ(it.next(), &b_);    // the inserted element is behind the position
   EXPECT_EQ(it.prev(), &b_);
   EXPECT_EQ(it.prev(), &x_);
-  ASSERT_EQ(it.remove(), 0);    // the element returned by prev
+  ASSERT_EQ(it.remove(), 0);  // the element returned by prev
   EXPECT_EQ(Contents(), "abc");
   EXPECT_EQ(it.next(), &b_);
   ASSERT_EQ(it.set(&d_), 0);
@@ -221,6 +221,30 @@ TEST_F(SeqOfListTest, NullElementsAreElements) {
   EXPECT_EQ(it.next(), nullptr);
   EXPECT_EQ(it.status(), 0);
   EXPECT_EQ(Contents(), "0");
+}
+
+TEST(SeqOfListContexts, ABufferContextLivesAsLongAsTheList) {
+  auto* buffer = new ASN1BEREncodeBuffer;
+  ASN1Context* context = buffer->getContext();
+  ASN1TSeqOfList record;
+  EXPECT_EQ(record.count, 0u);
+  EXPECT_EQ(record.head, nullptr);
+  {
+    ASN1CSeqOfList list(*buffer, record);
+    EXPECT_EQ(context->getRefCount(), 2u);
+    delete buffer;  // the list still holds the context and its heap
+    ASSERT_NE(list.appendNewElement(16), nullptr);
+    EXPECT_EQ(list.size(), 1);
+  }  // the last reference frees the heap, nodes and elements included
+}
+
+TEST(SeqOfListContexts, AControlObjectSharesItsContext) {
+  ASN1CGeneralizedTime control(true);  // any control object will do
+  ASN1TSeqOfList record;
+  ASN1CSeqOfList list(control, record);
+  EXPECT_EQ(control.getContext()->getRefCount(), 2u);
+  ASSERT_NE(list.appendNewElement(8), nullptr);
+  EXPECT_EQ(rtMemHeapBlockCount(&control.getCtxtPtr()->pTypeMemHeap), 2u);
 }
 
 }  // namespace

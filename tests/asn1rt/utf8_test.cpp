@@ -1,7 +1,6 @@
 // UTF-8 to and from wide, 32-bit and 16-bit units (rtUTF8.h).
-#include <korvex/asn1rt/rtUTF8.h>
-
 #include <gtest/gtest.h>
+#include <korvex/asn1rt/rtUTF8.h>
 
 #include <string>
 #include <vector>
@@ -61,12 +60,12 @@ TEST(UTF8DecodeChar, OverlongsSurrogatesAndTruncationGiveMinus26) {
       Bytes({0xF8, 0x88, 0x80, 0x80, 0x80}),
       Bytes({0xFE}),
       Bytes({0xFF}),
-      Bytes({0x80}),                    // stray continuation
+      Bytes({0x80}),  // stray continuation
       Bytes({0xBF}),
-      Bytes({0xC3}),                    // cut short
+      Bytes({0xC3}),  // cut short
       Bytes({0xE2, 0x82}),
       Bytes({0xF0, 0x9F, 0x98}),
-      Bytes({0xC3, 0x41}),              // continuation missing
+      Bytes({0xC3, 0x41}),  // continuation missing
       Bytes({0xE2, 0x28, 0xA1}),
       Bytes({0xF0, 0x9F, 0x41, 0x80}),
       "",

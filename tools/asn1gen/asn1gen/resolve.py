@@ -40,9 +40,10 @@ FIELD_CTYPE = {
     "kBMPString": "Asn116BitCharString", "kUniversalString": "Asn132BitCharString",
     "kOpenType": "ASN1OpenType", "kTableOpenType": "Asn1Object",
 }
+# ASN1TObjId is the runtime's C++ form of ASN1OBJID (same layout).
 ALIAS_CTYPE = {
-    "kNull": "Asn1NullValue", "kBitString": "ASN1TDynBitStr", "kOctetString": "ASN1TDynOctStr",
-    "kObjectId": "ASN1TObjId", "kOpenType": "ASN1TOpenType",
+    "kNull": "Asn1NullValue", "kBitString": "ASN1DynBitStr", "kOctetString": "ASN1DynOctStr",
+    "kObjectId": "ASN1TObjId", "kOpenType": "ASN1OpenType",
 }
 BY_POINTER = {"kBitString", "kOctetString", "kObjectId", "kBMPString", "kUniversalString",
               "kOpenType", "kTableOpenType"}

@@ -3,7 +3,7 @@
 // ASN1CBitStr works on a bit string record that the caller owns, either a
 // dynamic record (ASN1DynBitStr: bit count and a pointer to octets in the
 // context's type heap) or a fixed array with a bit count beside it. Bit 0 is
-// the top bit of the first octet (X.690 8.6.2.1), as named bits are numbered.
+// the top bit of the first octet (X.690 8.6.2), as named bits are numbered.
 //
 // Setting a bit at or past the length lengthens the string (with zero bits
 // in between); reading or clearing past the length sees zero bits. Bits past
@@ -120,7 +120,7 @@ class KORVEX_API ASN1CBitStr {
   const ASN1OCTET** m_dynData;  // the record's data pointer (dynamic records)
   ASN1OCTET* m_fixedData;       // the caller's array (fixed records)
   ASN1UINT m_maxBits;
-  ASN1OCTET* m_owned;           // the block this object allocated, if any
+  ASN1OCTET* m_owned;  // the block this object allocated, if any
   size_t m_ownedSize;
 };
 

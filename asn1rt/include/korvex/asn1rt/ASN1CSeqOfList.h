@@ -19,18 +19,15 @@
 #ifndef KORVEX_ASN1RT_ASN1CSEQOFLIST_H
 #define KORVEX_ASN1RT_ASN1CSEQOFLIST_H
 
-#include <stddef.h>
-
 #include <korvex/asn1rt/asn1CppTypes.h>
 #include <korvex/asn1rt/asn1type.h>
+#include <stddef.h>
 
-#ifdef __cplusplus
 // ASN1TSeqOfList: the list form of a generated SEQUENCE OF / SET OF record
 // field, an rtDList that starts empty.
 struct ASN1TSeqOfList : public rtDList {
   ASN1TSeqOfList() { rtDListInit(this); }
 };
-#endif
 
 class ASN1CSeqOfList;
 

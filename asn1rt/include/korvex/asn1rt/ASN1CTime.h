@@ -32,9 +32,8 @@
 #ifndef KORVEX_ASN1RT_ASN1CTIME_H
 #define KORVEX_ASN1RT_ASN1CTIME_H
 
-#include <stddef.h>
-
 #include <korvex/asn1rt/asn1CppTypes.h>
+#include <stddef.h>
 
 // ASN1TimeFields: the fields of one time value.
 struct ASN1TimeFields {
@@ -47,7 +46,7 @@ struct ASN1TimeFields {
   int hour = 0;
   int minute = 0;
   int second = 0;
-  int fractionDigits = 0;                    // digits used in `fraction`
+  int fractionDigits = 0;                  // digits used in `fraction`
   char fraction[kMaxFractionDigits] = {};  // decimal digits of the fraction of a second
   Zone zone = kUTC;
   int offsetMinutes = 0;  // east of UTC, for kOffset
@@ -121,7 +120,7 @@ class KORVEX_API ASN1CTime : public ASN1CType {
   const char* getTimeString(char* buf, size_t bufSize);
 
   // EncodeTo / DecodeFrom: the bound text as a UTCTime (tag 23) or
-  // GeneralizedTime (tag 24) with its tag (X.690 8.25, 8.26). EncodeTo
+  // GeneralizedTime (tag 24) with its tag (X.680 46, 47). EncodeTo
   // returns the encoded length; text that does not read as a time gives -3
   // or -31, no text -18. DecodeFrom points the bound text at the decoded
   // text (in the buffer's heap) and checks that it reads as a time.
@@ -136,18 +135,18 @@ class KORVEX_API ASN1CTime : public ASN1CType {
 
  private:
   int refresh();
-  int field(int value, unsigned int mask);
+  int field(int ASN1TimeFields::*member, unsigned int mask);
   int commit(ASN1TimeFields const& fields, unsigned int setMask);
   int checkPartial(ASN1TimeFields const& fields, unsigned int setMask) const;
   int format(char* out);
 
   bool mUTCTime;
   bool mDer;
-  const char* mOwnText;          // the bound slot when none is given
-  const char** mpText;           // the bound text pointer
-  const char* mpReadText;        // the text the fields were read from (or written to)
-  char* mpWrittenText;           // the heap text this object wrote last
-  void* mpWrittenHeap;           // the heap it was taken from
+  const char* mOwnText;    // the bound slot when none is given
+  const char** mpText;     // the bound text pointer
+  const char* mpReadText;  // the text the fields were read from (or written to)
+  char* mpWrittenText;     // the heap text this object wrote last
+  void* mpWrittenHeap;     // the heap it was taken from
   ASN1TimeFields mFields;
   unsigned int mSetMask;  // which of year, month, day are set
 };

@@ -29,6 +29,12 @@
 #include <korvex/asn1rt/asn1type.h>
 #include <korvex/platform/export.h>
 
+#ifdef __cplusplus
+#include <korvex/asn1rt/ASN1CSeqOfList.h>
+#include <korvex/asn1rt/ASN1TObjId.h>
+#include <korvex/asn1rt/asn1CppTypes.h>
+#endif
+
 /* Storage of a NULL value where a record needs one (typedefs, list elements). */
 typedef ASN1OCTET Asn1NullValue;
 
@@ -254,6 +260,31 @@ KORVEX_API int decodeTables(ASN1CTXT* ctxt, const TypeDesc* desc, void* value);
 
 /* zeroRecord: fills a record with zeros (generated constructors). */
 KORVEX_API void zeroRecord(void* record, unsigned size);
+
+/* Control: the base of every generated control class ASN1C_<Type>. It binds a
+ * caller's record (borrowed, never freed here) and its descriptor to a context
+ * and a message buffer (ASN1CType). */
+class KORVEX_API Control : public ASN1CType {
+ public:
+  /* EncodeTo: makes buffer the message buffer (the control object's context
+   * then shares its type heap), lets it initialise itself and encodes the
+   * record with its own tag into it. Returns the length or a negative status. */
+  int EncodeTo(ASN1MessageBufferIF& buffer) override;
+
+  /* DecodeFrom: the same for decoding the record from buffer; 0 or a status. */
+  int DecodeFrom(ASN1MessageBufferIF& buffer) override;
+
+ protected:
+  /* A new context of its own and no buffer. */
+  Control(const TypeDesc* desc, void* record);
+  /* The buffer's context (one more reference) and the buffer. */
+  Control(ASN1MessageBufferIF& buffer, const TypeDesc* desc, void* record);
+  /* The other object's context (one more reference), buffer and record. */
+  Control(const Control& other);
+
+  const TypeDesc* mpDesc;
+  void* mpRecord;
+};
 
 }  // namespace Asn1Engine
 }  // namespace Korvex

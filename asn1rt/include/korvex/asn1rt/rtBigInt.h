@@ -22,9 +22,8 @@
 #ifndef KORVEX_ASN1RT_RTBIGINT_H
 #define KORVEX_ASN1RT_RTBIGINT_H
 
-#include <stddef.h>
-
 #include <korvex/platform/export.h>
+#include <stddef.h>
 
 // Radix argument that takes the radix from the text's prefix.
 #define RT_BIGINT_RADIX_AUTO 0

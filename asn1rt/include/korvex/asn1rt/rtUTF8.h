@@ -18,10 +18,9 @@
 #ifndef KORVEX_ASN1RT_RTUTF8_H
 #define KORVEX_ASN1RT_RTUTF8_H
 
+#include <korvex/platform/export.h>
 #include <stddef.h>
 #include <wchar.h>
-
-#include <korvex/platform/export.h>
 
 KORVEX_BEGIN_C
 
@@ -55,25 +54,21 @@ KORVEX_API int rtWCSToUTF8(const wchar_t* text, char* out, size_t capacity);
 
 // rtUTF8ToUCS4 converts `length` bytes of UTF-8 to 32-bit units (the
 // contents of a UniversalString). Returns the number of units; -26, -17, -30.
-KORVEX_API int rtUTF8ToUCS4(const char* text, size_t length, unsigned int* out,
-                            size_t capacity);
+KORVEX_API int rtUTF8ToUCS4(const char* text, size_t length, unsigned int* out, size_t capacity);
 
 // rtUCS4ToUTF8 converts `count` 32-bit units to NUL-terminated UTF-8.
 // Returns the UTF-8 length in bytes without the terminator; -26, -17, -30.
-KORVEX_API int rtUCS4ToUTF8(const unsigned int* units, size_t count, char* out,
-                            size_t capacity);
+KORVEX_API int rtUCS4ToUTF8(const unsigned int* units, size_t count, char* out, size_t capacity);
 
 // rtUTF8ToUCS2 converts `length` bytes of UTF-8 to 16-bit units (the
 // contents of a BMPString); a character above U+FFFF gives -26. Returns the
 // number of units; -26, -17, -30.
-KORVEX_API int rtUTF8ToUCS2(const char* text, size_t length, unsigned short* out,
-                            size_t capacity);
+KORVEX_API int rtUTF8ToUCS2(const char* text, size_t length, unsigned short* out, size_t capacity);
 
 // rtUCS2ToUTF8 converts `count` 16-bit units to NUL-terminated UTF-8; a
 // surrogate unit gives -26. Returns the UTF-8 length without the
 // terminator; -26, -17, -30.
-KORVEX_API int rtUCS2ToUTF8(const unsigned short* units, size_t count, char* out,
-                            size_t capacity);
+KORVEX_API int rtUCS2ToUTF8(const unsigned short* units, size_t count, char* out, size_t capacity);
 
 KORVEX_END_C
 

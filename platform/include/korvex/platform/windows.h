@@ -7,5 +7,6 @@
 #include <korvex/platform/win32/errhandlingapi.h>
 #include <korvex/platform/win32/timeapi.h>
 #include <korvex/platform/win32/stringapiset.h>
+#include <korvex/platform/capi/wincrypt.h>
 
 #endif

@@ -2,9 +2,10 @@
 // elements are put in ascending order as octet strings, a shorter element that
 // is a prefix of a longer one first.
 //
-// The elements are sorted through an array of descriptors with a stable
-// O(n log n) merge sort, so 100,000 elements cost no more than a few million
-// comparisons; an already ordered list is detected in one pass and left alone.
+// One pass over the list checks the descriptors and whether the elements are
+// already in order; then nothing is allocated or copied. Otherwise the
+// elements are sorted through an array with a stable O(n log n) merge sort,
+// so 100,000 elements cost a few million comparisons, not billions.
 #include <algorithm>
 #include <cstring>
 
@@ -27,70 +28,64 @@ inline int Compare(const Element& a, const Element& b) {
   return a.length < b.length ? -1 : a.length > b.length ? 1 : 0;
 }
 
+int Finish(ASN1CTXT* ctxt, rtDList* list, Element* elems, int result) {
+  rtMemFreePtr(ctxt, elems);
+  rtDListFreeAll(ctxt, list);
+  return result < 0 ? Fail(ctxt, result) : result;
+}
+
 }  // namespace
 
 extern "C" {
 
 int xe_derCanonicalSort(ASN1CTXT* ctxt, rtDList* list) {
   if (!ctxt || !list) return 0;
-  const ASN1UINT count = list->count;
   const ASN1UINT encodedEnd = ctxt->buffer.size ? ctxt->buffer.size - 1 : 0;
   const ASN1UINT encodedLen = xe_getLength(ctxt);
-
-  // The list holds the elements in encoding order: the first entry was encoded
-  // first and lies last in the buffer. Bytes are in ascending order when the
-  // entries are in descending order.
-  Element* elems = nullptr;
-  if (count > 1) {
-    elems = static_cast<Element*>(rtMemAlloc(ctxt, sizeof(Element) * count));
-    if (!elems) {
-      rtDListFreeAll(ctxt, list);
-      return Fail(ctxt, ASN_E_NOMEM);
-    }
-  }
-  unsigned long long total = 0;
-  ASN1UINT i = 0;
-  for (rtDListNode* node = list->head; node; node = node->next, ++i) {
+  auto elementOf = [&](const rtDListNode* node, Element* out) {
     auto* d = static_cast<const Asn1BufLocDescr*>(node->data);
     // A descriptor must name bytes inside the encoded message.
-    if (!d || d->offset > encodedLen || d->numocts > d->offset) {
-      rtMemFreePtr(ctxt, elems);
-      rtDListFreeAll(ctxt, list);
-      return Fail(ctxt, ASN_E_INVPARAM);
-    }
-    total += d->numocts;
-    if (elems && i < count) elems[i] = Element{ctxt->buffer.data + encodedEnd - d->offset, d->numocts};
-  }
-  if (total > encodedLen) {
-    rtMemFreePtr(ctxt, elems);
-    rtDListFreeAll(ctxt, list);
-    return Fail(ctxt, ASN_E_INVPARAM);
-  }
-  auto descending = [](const Element& a, const Element& b) { return Compare(a, b) > 0; };
+    if (!d || d->offset > encodedLen || d->numocts > d->offset) return false;
+    *out = Element{ctxt->buffer.data + encodedEnd - d->offset, d->numocts};
+    return true;
+  };
+
+  // The list holds the elements in encoding order: the first entry was encoded
+  // first and lies last in the buffer. The bytes are in ascending order when
+  // the entries are in descending order.
+  unsigned long long total = 0;
+  ASN1UINT count = 0;
   bool ordered = true;
-  for (ASN1UINT k = 1; k < count && ordered; ++k) {
-    ordered = Compare(elems[k - 1], elems[k]) >= 0;
+  Element prev{nullptr, 0};
+  for (rtDListNode* node = list->head; node; node = node->next, ++count) {
+    Element e;
+    if (!elementOf(node, &e)) return Finish(ctxt, list, nullptr, ASN_E_INVPARAM);
+    if (count && ordered && Compare(prev, e) < 0) ordered = false;
+    prev = e;
+    total += e.length;
   }
-  if (!ordered) {
-    auto* block = static_cast<ASN1OCTET*>(rtMemAlloc(ctxt, static_cast<size_t>(total)));
-    if (!block) {
-      rtMemFreePtr(ctxt, elems);
-      rtDListFreeAll(ctxt, list);
-      return Fail(ctxt, ASN_E_NOMEM);
-    }
-    std::stable_sort(elems, elems + count, descending);
-    // First (largest) entry to the end of the block, and so on backwards.
-    size_t pos = static_cast<size_t>(total);
-    for (ASN1UINT k = 0; k < count; ++k) {
-      pos -= elems[k].length;
-      if (elems[k].length) std::memcpy(block + pos, elems[k].bytes, elems[k].length);
-    }
-    std::memcpy(ctxt->buffer.data + ctxt->buffer.byteIndex, block, static_cast<size_t>(total));
+  if (total > encodedLen) return Finish(ctxt, list, nullptr, ASN_E_INVPARAM);
+  if (ordered) return Finish(ctxt, list, nullptr, static_cast<int>(total));
+
+  auto* elems = static_cast<Element*>(rtMemAlloc(ctxt, sizeof(Element) * count));
+  auto* block = static_cast<ASN1OCTET*>(rtMemAlloc(ctxt, static_cast<size_t>(total)));
+  if (!elems || !block) {
     rtMemFreePtr(ctxt, block);
+    return Finish(ctxt, list, elems, ASN_E_NOMEM);
   }
-  rtMemFreePtr(ctxt, elems);
-  rtDListFreeAll(ctxt, list);
-  return static_cast<int>(total);
+  ASN1UINT i = 0;
+  for (rtDListNode* node = list->head; node; node = node->next) elementOf(node, &elems[i++]);
+  std::stable_sort(elems, elems + count,
+                   [](const Element& a, const Element& b) { return Compare(a, b) > 0; });
+  // First (largest) entry to the end of the block, and so on backwards.
+  size_t pos = static_cast<size_t>(total);
+  for (ASN1UINT k = 0; k < count; ++k) {
+    pos -= elems[k].length;
+    if (elems[k].length) std::memcpy(block + pos, elems[k].bytes, elems[k].length);
+  }
+  std::memcpy(ctxt->buffer.data + ctxt->buffer.byteIndex, block, static_cast<size_t>(total));
+  rtMemFreePtr(ctxt, block);
+  return Finish(ctxt, list, elems, static_cast<int>(total));
 }
 
 }  // extern "C"

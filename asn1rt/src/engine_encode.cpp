@@ -30,17 +30,25 @@ bool isDefaultEncoding(ASN1CTXT* ctxt, const MemberDesc* m, int len) {
          std::memcmp(xe_getp(ctxt), m->defaultDer, m->defaultLength) == 0;
 }
 
+// Encodes a member; a table-constrained one writes the typed values of its open
+// types (X.682 10) when they are set, in place of their bytes, so that the
+// record (which may belong to another context) is not changed.
+int encodeMemberOf(Walk& w, const TypeDesc* d, const MemberDesc* m, void* rec) {
+  if (!m->table) return encodeMember(w, m, rec);
+  const TypeDesc* saved = w.openType;
+  w.openType = tableType(d, m, rec);
+  int len = encodeMember(w, m, rec);
+  w.openType = saved;
+  return len;
+}
+
 int encodeSequence(Walk& w, const TypeDesc* d, void* rec) {
   ASN1CTXT* ctxt = w.ctxt;
-  if (hasTables(d)) {
-    int stat = encodeTablesOf(w, d, rec);
-    if (stat < 0) return stat;
-  }
   long long total = 0;
   for (unsigned i = d->memberCount; i-- > 0;) {
     const MemberDesc* m = &d->members[i];
     if (m->presence >= 0 && !present(d, rec, m->presence)) continue;
-    int len = encodeMember(w, m, rec);
+    int len = encodeMemberOf(w, d, m, rec);
     if (len < 0) return len;
     if (isDefaultEncoding(ctxt, m, len)) {
       ctxt->buffer.byteIndex += static_cast<ASN1UINT>(len);
@@ -53,17 +61,13 @@ int encodeSequence(Walk& w, const TypeDesc* d, void* rec) {
 
 int encodeSet(Walk& w, const TypeDesc* d, void* rec) {
   ASN1CTXT* ctxt = w.ctxt;
-  if (hasTables(d)) {
-    int stat = encodeTablesOf(w, d, rec);
-    if (stat < 0) return stat;
-  }
   // X.690 10.3: components in ascending tag order; written backwards, so the
   // highest tag goes first.
   long long total = 0;
   for (unsigned k = d->tagIndexCount; k-- > 0;) {
     const MemberDesc* m = &d->members[d->tagIndex[k].member];
     if (m->presence >= 0 && !present(d, rec, m->presence)) continue;
-    int len = encodeMember(w, m, rec);
+    int len = encodeMemberOf(w, d, m, rec);
     if (len < 0) return len;
     if (isDefaultEncoding(ctxt, m, len)) {
       ctxt->buffer.byteIndex += static_cast<ASN1UINT>(len);
@@ -246,8 +250,16 @@ int encodeValue(Walk& w, const TypeDesc* d, void* v, ASN1TagType tagging) {
       return encodeValue(w, d->inner, v, tagging);
     case kChoice:
       return encodeChoice(w, d, v);  // X.680 31.2.7: no tag of its own
-    case kOpenType:
-    case kTableOpenType: {
+    case kTableOpenType:
+      if (w.openType && static_cast<const Asn1Object*>(v)->decoded) {
+        const TypeDesc* type = w.openType;
+        w.openType = nullptr;  // open types inside the value have tables of their own
+        int len = encodeValue(w, type, static_cast<Asn1Object*>(v)->decoded, ASN1EXPL);
+        w.openType = type;
+        return len;
+      }
+      [[fallthrough]];  // no typed value: the bytes as they stand
+    case kOpenType: {
       const ASN1OpenType* ot = static_cast<const ASN1OpenType*>(v);
       int len = xe_OpenType(ctxt, ot->data, ot->numocts);
       return len < 0 ? fail(ctxt, len) : len;

@@ -16,6 +16,9 @@ namespace detail {
 struct Walk {
   ASN1CTXT* ctxt;
   int depth;
+  // While a table-constrained member is encoded: the type its object gives to
+  // the open type(s) of the member (null otherwise, and inside that type).
+  const TypeDesc* openType = nullptr;
 };
 
 // Enters one constructed level; false (with -34 recorded) beyond the bound.
@@ -110,6 +113,7 @@ int charCount(const TypeDesc* d, const char* text, unsigned long long* count);
 bool hasTables(const TypeDesc* d);
 const InfoObject* tableObject(const TypeDesc* d, const MemberDesc* m, const void* rec);
 int encodeTablesOf(Walk& w, const TypeDesc* d, void* rec);
+const TypeDesc* tableType(const TypeDesc* d, const MemberDesc* m, const void* rec);
 int decodeTablesOf(Walk& w, const TypeDesc* d, void* rec);
 int copyTablesOf(Walk& w, const TypeDesc* d, const void* src, void* dest);
 void freeTablesOf(Walk& w, const TypeDesc* d, void* rec);

@@ -205,6 +205,11 @@ const InfoObject* tableObject(const TypeDesc* d, const MemberDesc* m, const void
   return t->set->lookup(load<ASN1INT>(value));
 }
 
+const TypeDesc* tableType(const TypeDesc* d, const MemberDesc* m, const void* rec) {
+  const InfoObject* obj = tableObject(d, m, rec);
+  return obj ? typeField(obj, m->table->field) : nullptr;
+}
+
 int encodeTablesOf(Walk& w, const TypeDesc* d, void* rec) {
   for (unsigned i = 0; i < d->memberCount; ++i) {
     const MemberDesc* m = &d->members[i];

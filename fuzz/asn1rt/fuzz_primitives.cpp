@@ -160,7 +160,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     }
     case 6: {
       if ((stat = xd_null(c, tagging)) != 0) break;
-      if (tagging == ASN1EXPL) Check(Encode([](ASN1CTXT* e) { return xe_null(e, ASN1EXPL); }) == consumed());
+      if (der) Check(Encode([](ASN1CTXT* e) { return xe_null(e, ASN1EXPL); }) == consumed());
       break;
     }
     case 7: {

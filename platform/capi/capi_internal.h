@@ -103,6 +103,37 @@ time_t FileTimeToUnix(const FILETIME& ft);
 // CRYPT_E_ASN1_CORRUPT otherwise (X.690 8.1.2-8.1.3).
 HRESULT DerClassify(const BYTE* data, size_t size);
 
+// Tlv is one DER element inside a buffer (X.690 8.1.2-8.1.3).
+struct Tlv {
+  BYTE tag = 0;
+  size_t header = 0;  // tag and length octets
+  size_t length = 0;  // content octets
+  size_t total() const { return header + length; }
+};
+
+// ReadTlv reads the element at data[0..size); false when it does not fit or
+// uses a form DER does not allow (indefinite length, high tag numbers).
+bool ReadTlv(const BYTE* data, size_t size, Tlv* out);
+
+// SplitAlgorithm takes an AlgorithmIdentifier's DER apart into OID text and
+// parameter DER (RFC 5280 4.1.1.2).
+bool SplitAlgorithm(const std::vector<BYTE>& der, std::string* oid, std::vector<BYTE>* params);
+
+// AppendTlv appends one DER element (X.690 8.1.2-8.1.3) of a tag and content.
+void AppendTlv(std::vector<BYTE>* out, BYTE tag, const std::vector<BYTE>& content);
+
+// Encode runs an OpenSSL i2d-style encoder twice (size, then bytes).
+template <typename F>
+std::vector<BYTE> Encode(F encoder) {
+  std::vector<BYTE> out;
+  int size = encoder(nullptr);
+  if (size <= 0) return out;
+  out.resize(static_cast<size_t>(size));
+  unsigned char* p = out.data();
+  encoder(&p);
+  return out;
+}
+
 // ---------------------------------------------------------------- objects
 
 struct Provider {

@@ -76,4 +76,51 @@ BOOL CopyOut(const void* data, size_t size, BYTE* out, DWORD* outSize) {
   return TRUE;
 }
 
+bool ReadTlv(const BYTE* data, size_t size, Tlv* out) {
+  if (size < 2 || (data[0] & 0x1F) == 0x1F) return false;
+  out->tag = data[0];
+  BYTE first = data[1];
+  if (first < 0x80) {
+    out->length = first;
+    out->header = 2;
+  } else {
+    size_t count = first & 0x7F;
+    if (count == 0 || count > 4 || size < 2 + count) return false;
+    size_t length = 0;
+    for (size_t i = 0; i < count; ++i) length = (length << 8) | data[2 + i];
+    out->length = length;
+    out->header = 2 + count;
+  }
+  return out->length <= size - out->header;
+}
+
+bool SplitAlgorithm(const std::vector<BYTE>& der, std::string* oid, std::vector<BYTE>* params) {
+  Tlv outer, id;
+  if (!ReadTlv(der.data(), der.size(), &outer) || outer.tag != 0x30) return false;
+  const BYTE* body = der.data() + outer.header;
+  if (!ReadTlv(body, outer.length, &id) || id.tag != 0x06) return false;
+  const unsigned char* p = body;
+  ASN1_OBJECT* object = d2i_ASN1_OBJECT(nullptr, &p, static_cast<long>(id.total()));
+  if (object == nullptr) return false;
+  *oid = ObjectText(object);
+  ASN1_OBJECT_free(object);
+  params->assign(body + id.total(), body + outer.length);
+  return !oid->empty();
+}
+
+void AppendTlv(std::vector<BYTE>* out, BYTE tag, const std::vector<BYTE>& content) {
+  out->push_back(tag);
+  size_t length = content.size();
+  if (length < 0x80) {
+    out->push_back(static_cast<BYTE>(length));
+  } else {
+    BYTE bytes[sizeof(size_t)];
+    int count = 0;
+    for (size_t v = length; v != 0; v >>= 8) bytes[count++] = static_cast<BYTE>(v & 0xFF);
+    out->push_back(static_cast<BYTE>(0x80 | count));
+    while (count > 0) out->push_back(bytes[--count]);
+  }
+  out->insert(out->end(), content.begin(), content.end());
+}
+
 }  // namespace korvex::capi

@@ -1,4 +1,5 @@
 // Hash objects over OpenSSL message digests.
+#include <openssl/err.h>
 #include <openssl/evp.h>
 
 #include "capi_internal.h"
@@ -66,6 +67,7 @@ const EVP_MD* DigestOf(ALG_ID algorithm) {
   auto it = cache.find(algorithm);
   if (it != cache.end()) return it->second;
   const EVP_MD* md = FetchDigest(algorithm);
+  ERR_clear_error();  // failed fetches of absent GOST digests leave errors behind
   cache[algorithm] = md;
   return md;
 }
@@ -135,7 +137,7 @@ extern "C" BOOL CryptGetHashParam(HCRYPTHASH hHash, DWORD dwParam, BYTE* pbData,
       size_t size = static_cast<size_t>(EVP_MD_get_size(hash->md));
       // A size query or a short buffer must not finish the hash.
       if (pbData == nullptr || *pdwDataLen < size) {
-        return CopyOut(nullptr, size, pbData == nullptr ? nullptr : pbData, pdwDataLen);
+        return CopyOut(nullptr, size, pbData, pdwDataLen);
       }
       if (!hash->finished) {
         hash->value.resize(size);

@@ -149,7 +149,7 @@ TEST(CadesModule, DecodesBerForms) {
                          kCrlValidatedID);
        }},
       {"constructed IA5String",
-       [] { ExpectRoundTrip(F(SPuri), "3680 16026874 1603747 03A 0000", "1605687474703A"); }},
+       [] { ExpectRoundTrip(F(SPuri), "3680 04026874 0403747 03A 0000", "1605687474703A"); }},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
@@ -193,13 +193,16 @@ TEST(CadesModule, DecodeStatuses) {
                                                     "0C0141", ASN_E_CONSVIO); }},
       {"empty PostalAddress", [] { ExpectDecodeStatus(F(PostalAddress), "3000", ASN_E_CONSVIO); }},
       {"empty qualifier list",
-       [] { ExpectDecodeStatus(F(SignaturePolicyId), "300706032A03043000", ASN_E_CONSVIO); }},
+       [] {
+         ExpectDecodeStatus(F(SignaturePolicyId), "300E 06032A0304 30050403010203 3000",
+                            ASN_E_CONSVIO);
+       }},
       {"truncated contents",
        [] { ExpectDecodeStatus(F(SignaturePolicyId), "300706032A0304", ASN_E_INVLEN); }},
       {"inner length past the outer one",
        [] { ExpectDecodeStatus(F(CRLListID), "30033005 3003020101", ASN_E_INVLEN); }},
-      {"truncated indefinite list",
-       [] { ExpectDecodeStatus(F(CertificateValues), "30803003020101", ASN_E_ENDOFBUF); }},
+      {"indefinite list without its end-of-contents",
+       [] { ExpectDecodeStatus(F(RevocationValues), "3009 A007 3080 3003020101", ASN_E_ENDOFBUF); }},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
@@ -259,7 +262,9 @@ TEST(CadesModule, DisplayTextLengths) {
     }
     Bytes der = c.encode(&asn1E_DisplayText, &dt);
     EXPECT_EQ(c.lastStatus() < 0 ? c.lastStatus() : 0, k.status);
-    if (k.status) EXPECT_EQ(c.encodeCtxt()->errInfo.status, k.status);
+    if (k.status) {
+      EXPECT_EQ(c.encodeCtxt()->errInfo.status, k.status);
+    }
   }
 }
 
@@ -295,7 +300,9 @@ TEST(CadesModule, ListSizeConstraints) {
     }
     Bytes der = c.encode(&asn1E_PostalAddress, &address);
     EXPECT_EQ(c.lastStatus() < 0 ? c.lastStatus() : 0, k.status);
-    if (!k.status) EXPECT_EQ(der.size(), 2u + 3u * k.lines);
+    if (!k.status) {
+      EXPECT_EQ(der.size(), 2u + 3u * k.lines);
+    }
   }
 }
 

@@ -325,7 +325,7 @@ class Parser:
             if self.at("{"):
                 self.parse_named(ty, enumerated=(w == "ENUMERATED"))
             elif w == "ENUMERATED":
-                self.error("ENUMERATED needs its list of enumerators")
+                self.error("ENUMERATED needs its list of enumerators", t)
             return ty
         if w == "OCTET":
             self.expect("STRING")

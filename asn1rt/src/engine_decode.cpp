@@ -286,8 +286,15 @@ int decodeContents(Walk& w, const TypeDesc* d, void* v, int len) {
       break;
     case kCharString: {
       const char** text = static_cast<const char**>(v);
+      const bool primitive = !(ctxt->flags & ASN1CONSTAG) && len != ASN_K_INDEFLEN;
       stat = xd_charstr(ctxt, text, ASN1IMPL, d->tag, len);
-      if (stat < 0 || !d->limits) break;
+      if (stat < 0) break;
+      // The value is NUL-terminated text: a NUL inside the contents would cut
+      // it short without notice, so such a string is refused.
+      if (primitive && *text && std::strlen(*text) != static_cast<size_t>(len)) {
+        return fail(ctxt, ASN_E_INVLEN);
+      }
+      if (!d->limits) break;
       unsigned long long n = 0;
       stat = *text ? charCount(d, *text, &n) : 0;
       if (stat < 0) break;

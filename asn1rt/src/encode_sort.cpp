@@ -18,10 +18,20 @@ namespace {
 struct Element {
   const ASN1OCTET* bytes;
   ASN1UINT length;
+  unsigned long long key;  // first eight octets, big-endian, zero padded
 };
 
-// memcmp over the shorter length; equal prefixes put the shorter first.
+unsigned long long KeyOf(const ASN1OCTET* p, ASN1UINT n) {
+  unsigned long long k = 0;
+  for (ASN1UINT i = 0; i < 8; ++i) k = (k << 8) | (i < n ? p[i] : 0);
+  return k;
+}
+
+// memcmp over the shorter length; equal prefixes put the shorter first. The
+// key decides most comparisons without touching the element bytes; equal keys
+// (which zero padding can also give) fall back to the bytes.
 inline int Compare(const Element& a, const Element& b) {
+  if (a.key != b.key) return a.key < b.key ? -1 : 1;
   ASN1UINT n = a.length < b.length ? a.length : b.length;
   int c = n ? std::memcmp(a.bytes, b.bytes, n) : 0;
   if (c != 0) return c;
@@ -46,7 +56,8 @@ int xe_derCanonicalSort(ASN1CTXT* ctxt, rtDList* list) {
     auto* d = static_cast<const Asn1BufLocDescr*>(node->data);
     // A descriptor must name bytes inside the encoded message.
     if (!d || d->offset > encodedLen || d->numocts > d->offset) return false;
-    *out = Element{ctxt->buffer.data + encodedEnd - d->offset, d->numocts};
+    const ASN1OCTET* bytes = ctxt->buffer.data + encodedEnd - d->offset;
+    *out = Element{bytes, d->numocts, KeyOf(bytes, d->numocts)};
     return true;
   };
 
@@ -56,7 +67,7 @@ int xe_derCanonicalSort(ASN1CTXT* ctxt, rtDList* list) {
   unsigned long long total = 0;
   ASN1UINT count = 0;
   bool ordered = true;
-  Element prev{nullptr, 0};
+  Element prev{nullptr, 0, 0};
   for (rtDListNode* node = list->head; node; node = node->next, ++count) {
     Element e;
     if (!elementOf(node, &e)) return Finish(ctxt, list, nullptr, ASN_E_INVPARAM);

@@ -50,9 +50,11 @@ int checkInside(ASN1CTXT* ctxt, ASN1UINT start, int length) {
   return 0;
 }
 
-// The single element inside an explicit tag (X.690 8.14.2).
+// The single element inside an explicit tag (X.690 8.14.2), whose encoding is
+// constructed (X.690 8.14.3); the flag comes from the tag just matched.
 int decodeWrapped(Walk& w, const TypeDesc* inner, void* v, int length) {
   ASN1CTXT* ctxt = w.ctxt;
+  if (!(ctxt->flags & ASN1CONSTAG)) return fail(ctxt, ASN_E_IDNOTFOU);
   ASN1UINT start = ctxt->buffer.byteIndex;
   int stat = decodeValue(w, inner, v, ASN1EXPL, 0);
   if (stat < 0) return stat;
@@ -242,8 +244,32 @@ int decodeList(Walk& w, const TypeDesc* d, void* rec, int length) {
   return closeElement(ctxt, start, length);
 }
 
+// X.690 8.1.2.5: SEQUENCE, SET and their OF forms are constructed; BOOLEAN,
+// INTEGER, ENUMERATED, NULL and OBJECT IDENTIFIER are primitive (only strings
+// may take either form). The flag comes from the tag just matched.
+bool formAllowed(const ASN1CTXT* ctxt, const TypeDesc* d) {
+  const bool constructed = (ctxt->flags & ASN1CONSTAG) != 0;
+  switch (d->kind) {
+    case kSequence:
+    case kSet:
+    case kSequenceOf:
+    case kSetOf:
+      return constructed;
+    case kBoolean:
+    case kInteger:
+    case kEnumerated:
+    case kBigInteger:
+    case kNull:
+    case kObjectId:
+      return !constructed;
+    default:
+      return true;
+  }
+}
+
 int decodeContents(Walk& w, const TypeDesc* d, void* v, int len) {
   ASN1CTXT* ctxt = w.ctxt;
+  if (!formAllowed(ctxt, d)) return fail(ctxt, ASN_E_IDNOTFOU);
   int stat;
   switch (d->kind) {
     case kBoolean:

@@ -60,7 +60,7 @@ bool HasValueRules(const TypeDesc* d, int depth = 0) {
   return false;
 }
 
-// X.690 10/11 structure: definite minimal lengths, primitive strings, minimal
+// X.690 10/11 structure: minimal tags, definite minimal lengths, primitive strings, minimal
 // INTEGERs, BOOLEAN 00/FF (types with SET orders are left to HasValueRules).
 bool StructurallyDer(const uint8_t* p, size_t n, int depth = 0) {
   if (depth > 64) return false;
@@ -68,7 +68,8 @@ bool StructurallyDer(const uint8_t* p, size_t n, int depth = 0) {
     uint8_t id = p[0];
     size_t i = 1;
     if ((id & 0x1F) == 0x1F) {
-      if (i >= n || p[i] == 0x80) return false;
+      // X.690 8.1.2.4: the long form only for numbers above 30, no leading 0x80.
+      if (i >= n || p[i] == 0x80 || (p[i] < 31)) return false;
       while (i < n && (p[i] & 0x80)) ++i;
       if (++i > n) return false;
     }

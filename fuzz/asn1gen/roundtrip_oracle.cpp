@@ -90,7 +90,7 @@ bool StructurallyDer(const uint8_t* p, size_t n, int depth = 0) {
                                                       id != 0x31))) {
       return false;  // constructed universal string
     }
-    if (id == 0x02 && (len == 0 || (len > 1 && ((c[0] == 0 && !(c[1] & 0x80)) ||
+    if ((id == 0x02 || id == 0x0A) && (len == 0 || (len > 1 && ((c[0] == 0 && !(c[1] & 0x80)) ||
                                                  (c[0] == 0xFF && (c[1] & 0x80)))))) {
       return false;
     }

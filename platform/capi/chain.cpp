@@ -34,7 +34,20 @@ struct Node {
   DWORD error = 0;
 };
 
-bool SelfSigned(X509* x) { return (X509_get_extension_flags(x) & EXFLAG_SS) != 0; }
+// IssuedBy matches an issuer by name and, when both are there, by key
+// identifier (RFC 5280 4.2.1.1, 4.2.1.2). It does not need to understand the
+// key, so chains of algorithms the OpenSSL in use cannot verify still link.
+bool IssuedBy(X509* subject, X509* issuer) {
+  if (X509_NAME_cmp(X509_get_issuer_name(subject), X509_get_subject_name(issuer)) != 0) {
+    return false;
+  }
+  const ASN1_OCTET_STRING* authorityKeyId = X509_get0_authority_key_id(subject);
+  const ASN1_OCTET_STRING* subjectKeyId = X509_get0_subject_key_id(issuer);
+  return authorityKeyId == nullptr || subjectKeyId == nullptr ||
+         ASN1_OCTET_STRING_cmp(authorityKeyId, subjectKeyId) == 0;
+}
+
+bool SelfSigned(X509* x) { return IssuedBy(x, x); }
 
 bool TimeValid(X509* x, time_t at) {
   return X509_cmp_time(X509_get0_notBefore(x), &at) < 0 &&
@@ -170,14 +183,14 @@ class Builder {
         selfSigned = true;
         break;
       }
-      if (current.cert.anchor) break;  // an anchor that is not a root still ends the chain
       if (path_.size() >= kMaxDepth) {
         partial = true;
         break;
       }
       const Candidate* issuer = FindIssuer(current.cert.x509);
       if (issuer == nullptr) {
-        partial = true;
+        // An anchor that is not a root ends the chain when nothing issued it.
+        partial = !current.cert.anchor;
         break;
       }
       current.info |= MatchInfo(current.cert.x509);
@@ -225,7 +238,7 @@ class Builder {
     int bestScore = -1;
     for (const Candidate& candidate : pool_) {
       if (X509_cmp(candidate.x509, subject) == 0) continue;
-      if (X509_check_issued(candidate.x509, subject) != X509_V_OK) continue;
+      if (!IssuedBy(subject, candidate.x509)) continue;
       int score = (SignedBy(subject, candidate.x509) ? 4 : 0) +
                   (TimeValid(candidate.x509, at_) ? 2 : 0) + (candidate.anchor ? 1 : 0);
       if (score > bestScore) {

@@ -1,16 +1,17 @@
 // engine_common.cpp: descriptors of the universal types and the checks shared
 // by the engine's encoder, decoder, copier and freer.
-#include <cstring>
-
 #include <korvex/asn1rt/rtUTF8.h>
+
+#include <cstring>
 
 #include "engine_intern.h"
 
 namespace Korvex {
 namespace Asn1Engine {
 
-#define KORVEX_PRIMITIVE_DESC(name, kind, tag, ctype) \
-  const TypeDesc name = {kind, 0, 0, tag, sizeof(ctype), 0, 0, nullptr, nullptr, nullptr, nullptr, 0}
+#define KORVEX_PRIMITIVE_DESC(name, kind, tag, ctype)                       \
+  const TypeDesc name = {kind, 0,       0,       tag,     sizeof(ctype), 0, \
+                         0,    nullptr, nullptr, nullptr, nullptr,       0}
 
 KORVEX_PRIMITIVE_DESC(kDescBoolean, kBoolean, ASN_ID_BOOL, ASN1BOOL);
 KORVEX_PRIMITIVE_DESC(kDescInteger, kInteger, ASN_ID_INT, ASN1INT);

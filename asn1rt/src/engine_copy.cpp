@@ -175,7 +175,8 @@ void freeStructured(Walk& w, const TypeDesc* d, void* rec) {
   ASN1UINT count = arrayCount(d, rec);
   unsigned char* elems = arrayElems(d, rec);
   if (elems) {
-    for (ASN1UINT i = 0; i < count; ++i) freeValue(w, elem, elems + static_cast<size_t>(i) * elem->size);
+    for (ASN1UINT i = 0; i < count; ++i)
+      freeValue(w, elem, elems + static_cast<size_t>(i) * elem->size);
     rtMemFreePtr(ctxt, elems);
   }
   store<ASN1UINT>(at(rec, d->off1), 0);

@@ -390,8 +390,7 @@ int decodeValue(Walk& w, const TypeDesc* d, void* v, ASN1TagType tagging, int le
 
 }  // namespace detail
 
-int decode(ASN1CTXT* ctxt, const TypeDesc* desc, void* value, ASN1TagType tagging,
-           int length) {
+int decode(ASN1CTXT* ctxt, const TypeDesc* desc, void* value, ASN1TagType tagging, int length) {
   if (!ctxt) return ASN_E_INVPARAM;
   if (!desc || !value) return detail::fail(ctxt, ASN_E_BADVALUE);
   detail::Walk w{ctxt, 0};

@@ -2,10 +2,10 @@
 #ifndef KORVEX_ASN1RT_ENGINE_INTERN_H
 #define KORVEX_ASN1RT_ENGINE_INTERN_H
 
+#include <korvex/asn1rt/asn1engine.h>
+
 #include <cstring>
 #include <vector>
-
-#include <korvex/asn1rt/asn1engine.h>
 
 namespace Korvex {
 namespace Asn1Engine {

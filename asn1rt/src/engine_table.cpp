@@ -72,8 +72,7 @@ int encodeAside(detail::Walk& w, const TypeDesc* type, void* value, const ASN1OC
   rtCopyContext(&saved, ctxt);
   const int recorded = ctxt->errInfo.status;
   int len = ASN_E_BUFOVFLW;
-  for (ASN1UINT size = 512; len == ASN_E_BUFOVFLW && size && size < ASN1_MEMBLOCK_MAX;
-       size *= 2) {
+  for (ASN1UINT size = 512; len == ASN_E_BUFOVFLW && size && size < ASN1_MEMBLOCK_MAX; size *= 2) {
     ASN1OCTET* work = static_cast<ASN1OCTET*>(rtMemAlloc(ctxt, size));
     if (!work) {
       len = ASN_E_NOMEM;
@@ -177,7 +176,8 @@ int forEachObject(const MemberDesc* m, void* rec, Fn fn) {
   ASN1UINT count = arrayCount(list, field);
   unsigned char* elems = arrayElems(list, field);
   for (ASN1UINT i = 0; elems && i < count; ++i) {
-    int stat = fn(reinterpret_cast<Asn1Object*>(elems + static_cast<size_t>(i) * sizeof(Asn1Object)));
+    int stat =
+        fn(reinterpret_cast<Asn1Object*>(elems + static_cast<size_t>(i) * sizeof(Asn1Object)));
     if (stat < 0) return stat;
   }
   return 0;

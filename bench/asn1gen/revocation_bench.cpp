@@ -2,11 +2,10 @@
 // codecs: CompleteRevocationRefs of 1, 100 and 10,000 references, and
 // RevocationValues holding 100 CRLs (synthesised DER, ~2 KB each).
 #include <benchmark/benchmark.h>
+#include <korvex/asn1gen/ASN1CADES.h>
 
 #include <cstdio>
 #include <vector>
-
-#include <korvex/asn1gen/ASN1CADES.h>
 
 namespace {
 
@@ -35,11 +34,12 @@ Bytes Tlv(unsigned char tag, const Bytes& contents) {
 Bytes CrlOcspRef(unsigned i) {
   Bytes hash(20);
   for (size_t k = 0; k < hash.size(); ++k) hash[k] = static_cast<unsigned char>(i * 31 + k);
-  Bytes issuer = Tlv(0x30, Tlv(0x31, Tlv(0x30, [] {
-                   Bytes atv = Tlv(0x06, {0x55, 0x04, 0x03});
-                   Append(atv, Tlv(0x0C, {'K', 'o', 'r', 'v', 'e', 'x', ' ', 'C', 'A'}));
-                   return atv;
-                 }())));
+  Bytes issuer =
+      Tlv(0x30, Tlv(0x31, Tlv(0x30, [] {
+                      Bytes atv = Tlv(0x06, {0x55, 0x04, 0x03});
+                      Append(atv, Tlv(0x0C, {'K', 'o', 'r', 'v', 'e', 'x', ' ', 'C', 'A'}));
+                      return atv;
+                    }())));
   char time[16];
   std::snprintf(time, sizeof time, "2401%02u120000Z", 1 + i % 28);
   Bytes id = issuer;

@@ -86,12 +86,13 @@ bool StructurallyDer(const uint8_t* p, size_t n, int depth = 0) {
     if (len > n - i) return false;
     const uint8_t* c = p + i;
     bool constructed = (id & 0x20) != 0;
-    if (constructed && (id == 0x23 || id == 0x24 || (id >= 0x2C && id <= 0x3E && id != 0x30 &&
-                                                      id != 0x31))) {
+    if (constructed &&
+        (id == 0x23 || id == 0x24 || (id >= 0x2C && id <= 0x3E && id != 0x30 && id != 0x31))) {
       return false;  // constructed universal string
     }
-    if ((id == 0x02 || id == 0x0A) && (len == 0 || (len > 1 && ((c[0] == 0 && !(c[1] & 0x80)) ||
-                                                 (c[0] == 0xFF && (c[1] & 0x80)))))) {
+    if ((id == 0x02 || id == 0x0A) &&
+        (len == 0 ||
+         (len > 1 && ((c[0] == 0 && !(c[1] & 0x80)) || (c[0] == 0xFF && (c[1] & 0x80)))))) {
       return false;
     }
     if (id == 0x01 && (len != 1 || (c[0] != 0 && c[0] != 0xFF))) return false;
@@ -118,8 +119,7 @@ void CheckRoundTrip(const TypeDesc* desc, const uint8_t* data, size_t size) {
     if (Encode(desc, again.data()) != der) std::abort();
     // Input that is already DER comes back unchanged.
     if (!HasValueRules(desc) && !(ctx.c.flags & ASN1INDEFLEN) && consumed <= size &&
-        StructurallyDer(data, consumed) &&
-        std::vector<uint8_t>(data, data + consumed) != der) {
+        StructurallyDer(data, consumed) && std::vector<uint8_t>(data, data + consumed) != der) {
       std::abort();
     }
     if (Asn1Engine::copy(&ctx.c, desc, value.data(), copy.data()) != 0) std::abort();

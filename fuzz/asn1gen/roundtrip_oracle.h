@@ -2,10 +2,10 @@
 #ifndef KORVEX_FUZZ_ASN1GEN_ROUNDTRIP_ORACLE_H
 #define KORVEX_FUZZ_ASN1GEN_ROUNDTRIP_ORACLE_H
 
+#include <korvex/asn1rt/asn1engine.h>
+
 #include <cstddef>
 #include <cstdint>
-
-#include <korvex/asn1rt/asn1engine.h>
 
 namespace Korvex {
 namespace Fuzz {

@@ -1,11 +1,10 @@
 // The CAdES attribute module (namespace ASN1CADES): DER round trips of every
 // type, BER input, constraint checks and the statuses of malformed input.
 #include <gtest/gtest.h>
+#include <korvex/asn1gen/ASN1CADES.h>
 
 #include <functional>
 #include <string>
-
-#include <korvex/asn1gen/ASN1CADES.h>
 
 #include "codec_fixture.h"
 
@@ -141,7 +140,9 @@ TEST(CadesModule, DecodesBerForms) {
                          "300DA00413024445A1050C03616263");
        }},
       {"long-form lengths",
-       [] { ExpectRoundTrip(F(OtherRevRefs), "30810C 06032A0304 308104 0500 0500", kOtherRevRefs); }},
+       [] {
+         ExpectRoundTrip(F(OtherRevRefs), "30810C 06032A0304 308104 0500 0500", kOtherRevRefs);
+       }},
       {"indefinite CrlIdentifier inside indefinite CrlValidatedID",
        [] {
          ExpectRoundTrip(F(CrlValidatedID),
@@ -166,13 +167,13 @@ TEST(CadesModule, DecodeStatuses) {
        [] { ExpectDecodeStatus(F(SignaturePolicyId), "310506032A0304", ASN_E_IDNOTFOU); }},
       {"missing mandatory time",
        [] { ExpectDecodeStatus(F(CrlIdentifier), "30023000", ASN_E_SETMISRQ); }},
-      {"empty OcspIdentifier", [] { ExpectDecodeStatus(F(OcspIdentifier), "3000", ASN_E_SETMISRQ); }},
+      {"empty OcspIdentifier",
+       [] { ExpectDecodeStatus(F(OcspIdentifier), "3000", ASN_E_SETMISRQ); }},
       {"mandatory component of another type",
        [] { ExpectDecodeStatus(F(CrlIdentifier), "300530000201FF", ASN_E_IDNOTFOU); }},
       {"extra component",
        [] {
-         ExpectDecodeStatus(F(OcspIdentifier),
-                            "3017A2020400180F32303234303130323033303430355A0500",
+         ExpectDecodeStatus(F(OcspIdentifier), "3017A2020400180F32303234303130323033303430355A0500",
                             ASN_E_NOTINSEQ);
        }},
       {"extra element inside an explicit tag",
@@ -183,14 +184,15 @@ TEST(CadesModule, DecodeStatuses) {
       {"wrong CHOICE tag in a list",
        [] { ExpectDecodeStatus(F(SignerAttribute), "3004A2023000", ASN_E_IDNOTFOU); }},
       {"visibleString of 201 characters",
-       [] {
-         ExpectDecodeStatus(F(DisplayText), "1A81C9" + std::string(402, '4'), ASN_E_CONSVIO);
-       }},
+       [] { ExpectDecodeStatus(F(DisplayText), "1A81C9" + std::string(402, '4'), ASN_E_CONSVIO); }},
       {"empty utf8String", [] { ExpectDecodeStatus(F(DisplayText), "0C00", ASN_E_CONSVIO); }},
       {"PostalAddress of 7 lines",
-       [] { ExpectDecodeStatus(F(PostalAddress), "3015" + std::string("0C0141") + "0C0141" +
-                                                    "0C0141" + "0C0141" + "0C0141" + "0C0141" +
-                                                    "0C0141", ASN_E_CONSVIO); }},
+       [] {
+         ExpectDecodeStatus(F(PostalAddress),
+                            "3015" + std::string("0C0141") + "0C0141" + "0C0141" + "0C0141" +
+                                "0C0141" + "0C0141" + "0C0141",
+                            ASN_E_CONSVIO);
+       }},
       {"empty PostalAddress", [] { ExpectDecodeStatus(F(PostalAddress), "3000", ASN_E_CONSVIO); }},
       {"empty qualifier list",
        [] {
@@ -201,8 +203,20 @@ TEST(CadesModule, DecodeStatuses) {
        [] { ExpectDecodeStatus(F(SignaturePolicyId), "300706032A0304", ASN_E_INVLEN); }},
       {"inner length past the outer one",
        [] { ExpectDecodeStatus(F(CRLListID), "30033005 3003020101", ASN_E_INVLEN); }},
+      // Found by asn1cades_fuzz: forms X.690 8.1.2.5 and 8.14.3 forbid.
+      {"primitive SEQUENCE",
+       [] { ExpectDecodeStatus(F(CompleteCertificateRefs), "1000", ASN_E_IDNOTFOU); }},
+      {"constructed INTEGER",
+       [] { ExpectDecodeStatus(F(CRLNumber), "2203020101", ASN_E_IDNOTFOU); }},
+      {"primitive explicit tag",
+       [] {
+         ExpectDecodeStatus(F(SignerAttribute), "300BA0023000810530 03020105", ASN_E_IDNOTFOU);
+       }},
+      {"NUL inside a string", [] { ExpectDecodeStatus(F(SPuri), "1603610062", ASN_E_INVLEN); }},
       {"indefinite list without its end-of-contents",
-       [] { ExpectDecodeStatus(F(RevocationValues), "3009 A007 3080 3003020101", ASN_E_ENDOFBUF); }},
+       [] {
+         ExpectDecodeStatus(F(RevocationValues), "3009 A007 3080 3003020101", ASN_E_ENDOFBUF);
+       }},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
@@ -336,7 +350,9 @@ TEST(CadesModule, ObjectIdentifierConstants) {
     const ASN1OBJID* oid;
     std::vector<ASN1UINT> arcs;
   } cases[] = {
-      {"signatureTimeStampToken", &id_aa_signatureTimeStampToken, {1, 2, 840, 113549, 1, 9, 16, 2, 14}},
+      {"signatureTimeStampToken",
+       &id_aa_signatureTimeStampToken,
+       {1, 2, 840, 113549, 1, 9, 16, 2, 14}},
       {"sigPolicyId", &id_aa_ets_sigPolicyId, {1, 2, 840, 113549, 1, 9, 16, 2, 15}},
       {"revocationValues", &id_aa_ets_revocationValues, {1, 2, 840, 113549, 1, 9, 16, 2, 24}},
       {"archiveTimestamp", &id_aa_ets_archiveTimestamp, {1, 2, 840, 113549, 1, 9, 16, 2, 27}},

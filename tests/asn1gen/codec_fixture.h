@@ -4,11 +4,10 @@
 #define KORVEX_TESTS_ASN1GEN_CODEC_FIXTURE_H
 
 #include <gtest/gtest.h>
+#include <korvex/asn1rt/asn1engine.h>
 
 #include <string>
 #include <vector>
-
-#include <korvex/asn1rt/asn1engine.h>
 
 namespace Korvex {
 namespace Test {
@@ -79,8 +78,8 @@ struct Functions {
   void (*free)(ASN1CTXT*, Record*);
 };
 
-#define KORVEX_FUNCTIONS(ns, Type) \
-  ::Korvex::Test::Functions<ns::ASN1T_##Type> { \
+#define KORVEX_FUNCTIONS(ns, Type)                                                   \
+  ::Korvex::Test::Functions<ns::ASN1T_##Type> {                                      \
     &ns::asn1E_##Type, &ns::asn1D_##Type, &ns::asn1Copy_##Type, &ns::asn1Free_##Type \
   }
 
@@ -94,10 +93,10 @@ void ExpectRoundTrip(const Functions<Record>& f, const std::string& inputHex,
   Bytes input = FromHex(inputHex);
   Bytes der = derHex.empty() ? input : FromHex(derHex);
   size_t before = c.blocks();
-  Record rec;
+  Record rec{};
   ASSERT_EQ(c.decode(f.decode, input, &rec), 0) << "status " << c.lastStatus();
   EXPECT_EQ(ToHex(c.encode(f.encode, &rec)), ToHex(der));
-  Record copy;
+  Record copy{};
   ASSERT_EQ(f.copy(c.ctxt(), &rec, &copy), 0);
   f.free(c.ctxt(), &rec);
   EXPECT_EQ(ToHex(c.encode(f.encode, &copy)), ToHex(der));
@@ -111,7 +110,7 @@ template <typename Record>
 void ExpectDecodeStatus(const Functions<Record>& f, const std::string& inputHex, int status) {
   Codec c;
   size_t before = c.blocks();
-  Record rec;
+  Record rec{};
   EXPECT_EQ(c.decode(f.decode, FromHex(inputHex), &rec), status);
   EXPECT_EQ(c.ctxt()->errInfo.status, status);
   f.free(c.ctxt(), &rec);

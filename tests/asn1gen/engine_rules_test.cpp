@@ -2,10 +2,9 @@
 // ordering, SET OF sorting, CHOICE extensions, table constraints, limits and the
 // nesting bound.
 #include <gtest/gtest.h>
+#include <korvex/asn1gen/KorvexTestAlgorithms.h>
 
 #include <string>
-
-#include <korvex/asn1gen/KorvexTestAlgorithms.h>
 
 #include "codec_fixture.h"
 
@@ -22,7 +21,10 @@ using Korvex::Test::ToHex;
 #define F(Type) KORVEX_FUNCTIONS(korvextest, Type)
 
 // Record with name "ab", serial 5, one item 04 01 AA and a UTCTime.
-const char kRecordBody[] = "0C026162020105" "30030401AA" "170D3234303130323033303430355A";
+const char kRecordBody[] =
+    "0C026162020105"
+    "30030401AA"
+    "170D3234303130323033303430355A";
 
 struct RecordParts {
   ASN1T_Record rec;
@@ -91,10 +93,9 @@ TEST(EngineRules, RecordStatuses) {
     int status;
   } cases[] = {
       {"extension addition skipped", "301D" + body + "0500", 0},
-      {"enumeration outside its values",
-       "301E" + body.substr(0, 14) + "810105" + body.substr(14), ASN_E_INVENUM},
-      {"name over 8 characters", "3022 0C09616161616161616161" + body.substr(8),
-       ASN_E_CONSVIO},
+      {"enumeration outside its values", "301E" + body.substr(0, 14) + "810105" + body.substr(14),
+       ASN_E_INVENUM},
+      {"name over 8 characters", "3022 0C09616161616161616161" + body.substr(8), ASN_E_CONSVIO},
       {"five items",
        "3027" + body.substr(0, 14) + "300F 0401AA0401AA0401AA0401AA0401AA" + body.substr(24),
        ASN_E_CONSVIO},
@@ -212,8 +213,7 @@ TEST(EngineRules, TableConstraintStatuses) {
   ExpectDecodeStatus(F(AlgorithmIdentifier), "3011 06092B06010401868D1F01 3004020200C8",
                      ASN_E_CONSVIO);
   // Known identifier, parameters of the wrong type.
-  ExpectDecodeStatus(F(AlgorithmIdentifier), "300E 06092B06010401868D1F01 020105",
-                     ASN_E_IDNOTFOU);
+  ExpectDecodeStatus(F(AlgorithmIdentifier), "300E 06092B06010401868D1F01 020105", ASN_E_IDNOTFOU);
 }
 
 TEST(EngineRules, TableFunctionsAndObjectSet) {
@@ -262,8 +262,9 @@ std::string Nested(int levels) {
 }
 
 TEST(EngineRules, NestingIsBounded) {
-  ExpectRoundTrip(F(Tree), Nested(20),
-                  "3026302430223020301E301C301A30183016301430123010300E300C300A30083006300430023000");
+  ExpectRoundTrip(
+      F(Tree), Nested(20),
+      "3026302430223020301E301C301A30183016301430123010300E300C300A30083006300430023000");
   ExpectDecodeStatus(F(Tree), Nested(ASN_K_MAXDEPTH + 5), ASN_E_NESTING);
 }
 

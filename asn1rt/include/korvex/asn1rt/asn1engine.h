@@ -74,8 +74,8 @@ enum Kind : unsigned char {
   kChoice,           // t + u
   kSequenceOf,       // n + elem, or a list (kListForm)
   kSetOf,
-  kTagged,           // a tag around inner (kExplicitTag) or replacing inner's tag
-  kAlias             // the same as inner (a type defined as another named type)
+  kTagged,  // a tag around inner (kExplicitTag) or replacing inner's tag
+  kAlias    // the same as inner (a type defined as another named type)
 };
 
 /* TypeDesc::flags */
@@ -89,11 +89,11 @@ enum : unsigned char {
 
 /* MemberDesc::flags */
 enum : unsigned short {
-  kOptional = 0x01,         // OPTIONAL or DEFAULT: has a presence bit
-  kDefault = 0x02,          // DEFAULT: MemberDesc::defaultDer holds the default's DER
-  kExplicit = 0x04,         // the member's own tag is explicit
-  kByPointer = 0x08,        // CHOICE alternative held by pointer in the union
-  kExtensionAddition = 0x10 // after '...': may be absent, has a presence bit
+  kOptional = 0x01,          // OPTIONAL or DEFAULT: has a presence bit
+  kDefault = 0x02,           // DEFAULT: MemberDesc::defaultDer holds the default's DER
+  kExplicit = 0x04,          // the member's own tag is explicit
+  kByPointer = 0x08,         // CHOICE alternative held by pointer in the union
+  kExtensionAddition = 0x10  // after '...': may be absent, has a presence bit
 };
 
 /* Limits::flags */
@@ -123,18 +123,18 @@ struct TableRef {
 };
 
 struct MemberDesc {
-  unsigned offset;            // offsetof the field (the union for CHOICE)
-  ASN1TAG tag;                // own tag with its constructed bit; 0 = untagged
+  unsigned offset;  // offsetof the field (the union for CHOICE)
+  ASN1TAG tag;      // own tag with its constructed bit; 0 = untagged
   unsigned short flags;
-  short presence;             // bit number in the presence words, -1 when none
-  const TypeDesc* type;       // the member's type, without its own tag
+  short presence;               // bit number in the presence words, -1 when none
+  const TypeDesc* type;         // the member's type, without its own tag
   const ASN1OCTET* defaultDer;  // DEFAULT: the member's DER with its default value
   unsigned defaultLength;
   const TableRef* table;
 };
 
 struct TagIndexEntry {
-  ASN1TAG tag;       // without the constructed bit; 0 = an alternative taking any tag
+  ASN1TAG tag;  // without the constructed bit; 0 = an alternative taking any tag
   unsigned member;
 };
 
@@ -142,11 +142,11 @@ struct TypeDesc {
   unsigned char kind;
   unsigned char flags;
   unsigned short memberCount;
-  ASN1TAG tag;                // own tag with its constructed bit; 0 = none (CHOICE, open)
-  unsigned size;              // sizeof the value (record or primitive)
-  unsigned off1;              // see the record conventions above
+  ASN1TAG tag;    // own tag with its constructed bit; 0 = none (CHOICE, open)
+  unsigned size;  // sizeof the value (record or primitive)
+  unsigned off1;  // see the record conventions above
   unsigned off2;
-  const TypeDesc* inner;      // kTagged/kAlias: inner type; SEQUENCE OF: element type
+  const TypeDesc* inner;  // kTagged/kAlias: inner type; SEQUENCE OF: element type
   const MemberDesc* members;
   const Limits* limits;
   const TagIndexEntry* tagIndex;  // CHOICE: every alternative tag; SET: encoding order

@@ -36,8 +36,13 @@ def compile_module(path, search_dirs):
     prog = Program([os.path.dirname(os.path.abspath(path))] + list(search_dirs))
     mod = prog.load_path(path)
     mod.analyze()
-    for other in list(prog.modules.values()):
-        other.analyze()
+    done = set()
+    while len(done) < len(prog.modules):
+        for other in list(prog.modules.values()):
+            if other.name not in done:
+                done.add(other.name)
+                other.analyze()
+    prog.finish()
     header, source = emit(mod, os.path.basename(path))
     return mod, header, source, prog.files
 

@@ -70,8 +70,8 @@ class Emitter:
             return "&" + d.name
         if d.storage == "public":
             return "&" + self.mod.qual(d.mod, d.name)
-        if d.mod is not self.mod:
-            raise CompileError(self.mod.path, 0, "internal: foreign local descriptor")
+        # A local descriptor, possibly made while resolving another module (a
+        # constrained class field type, COMPONENTS OF): this module has its copy.
         return "&" + self.local_name(d)
 
     def local_name(self, d):
@@ -86,7 +86,7 @@ class Emitter:
         def visit(d):
             if d is None or id(d) in seen:
                 return
-            if d.storage == "local" and d.mod is self.mod:
+            if d.storage == "local":
                 seen.add(id(d))
                 visit(d.inner)
                 for m in d.members or []:
@@ -404,7 +404,7 @@ class Emitter:
         locals_ = self.collect_locals()
         for d in locals_:
             name = self.local_names[id(d)][0]
-            record = d.typedef.record if d.typedef else None
+            record = self.mod.qual(d.typedef.mod, d.typedef.record) if d.typedef else None
             init = self.desc_body(d, record)
             self.data.append(f"static const {E}TypeDesc {name} = {init};")
         publics = []

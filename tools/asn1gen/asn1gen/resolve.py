@@ -82,6 +82,7 @@ class Program:
         self.search_dirs = list(search_dirs)
         self.modules = {}
         self.files = []
+        self.pending = []           # work that needs every record built first
 
     def load_path(self, path):
         with open(path, encoding="utf-8") as f:
@@ -103,6 +104,13 @@ class Program:
         mod = ModInfo(self, ast, path, dirs)
         self.modules[ast.name] = mod
         return mod
+
+    def finish(self):
+        """Runs the deferred work (DEFAULT encodings) once the records exist."""
+        while self.pending:
+            work, self.pending = self.pending, []
+            for fn in work:
+                fn()
 
     def find(self, name):
         if name in self.modules:
@@ -266,8 +274,8 @@ class ModInfo:
         elif base.kind == "kCharString":
             self.value_defs.append(ValueDef(cname, "str", self.value_of(a.name, a, "str"),
                                             a.line))
-        else:
-            self.value_of(a.name, a, "any")  # checked, not emitted
+        # Values of other types are not emitted; they are resolved where a DEFAULT
+        # uses them.
 
     def cname_value(self, a):
         c = cident(a.name)
@@ -660,6 +668,11 @@ class ModInfo:
         d.limits = lim
         return d
 
+    def type_desc(self, ty):
+        """The fully tagged descriptor of a type written in this module."""
+        ti = self.analyze_type(ty, Ctx("", "_value"))
+        return self.wrap(ti.tags, ti.desc)
+
     def analyze_named_dependency(self, name):
         """Makes sure the named type of this module has its TypeDef (recursion-safe)."""
         if name not in self.typedefs:
@@ -815,11 +828,10 @@ class ModInfo:
                     m.presence = bit
                     bit += 1
                 if c.default is not None:
-                    try:
-                        pv = cmod.vr.value_for(self.wrap(ti.tags, ti.desc), c.default)
-                        m.default = encode_member(m, pv)
-                    except (ValueError, KeyError) as e:
-                        self.err(c.default, f"DEFAULT value of '{c.name}': {e}")
+                    # Later: the value may need records still being built (imports
+                    # between modules can be circular).
+                    self.prog.pending.append(
+                        lambda m=m, cmod=cmod, ti=ti, c=c: self.set_default(m, cmod, ti, c))
             if ti.table:
                 if choice:
                     self.err(c, "a table-constrained open type in a CHOICE is not supported")
@@ -886,6 +898,13 @@ class ModInfo:
         ti = TI(d, td.record, True, td)
         ti.named_ref = True
         return ti
+
+    def set_default(self, m, cmod, ti, c):
+        try:
+            pv = cmod.vr.value_for(self.wrap(ti.tags, ti.desc), c.default)
+            m.default = encode_member(m, pv)
+        except (ValueError, KeyError) as e:
+            self.err(c.default, f"DEFAULT value of '{c.name}': {e}")
 
     # ---- information object classes, objects, sets (X.681) -------------------------------
     def is_class(self, name, node):

@@ -104,6 +104,8 @@ def encode_value(desc, v):
                 return encode_member(m, inner)
         raise KeyError(name)
     if kind in ("kOpenType", "kTableOpenType"):
+        if isinstance(v, bytes):
+            return v  # already the complete encoding ('Type : value')
         raise ValueError("open type value")
     return der_tlv(desc.tag, encode_contents(desc, v))
 
@@ -236,6 +238,19 @@ class ValueResolver:
             self.err(v, "OBJECT IDENTIFIER value beyond 128 arcs of 32 bits")
         return tuple(arcs)
 
+    def open_value(self, tokens, node):
+        """DER of an open-type value written 'Type : value' (X.681 14.6)."""
+        from .lexer import Token
+        from .parser import Parser
+        p = Parser(list(tokens) + [Token("eof", "", node.line)], node.file)
+        ty = p.parse_type()
+        p.expect(":")
+        val = p.parse_value()
+        if p.peek().kind != "eof":
+            self.err(node, f"unexpected '{p.peek().text}' in an open-type value")
+        desc = self.mod.type_desc(ty)
+        return encode_value(desc, self.value_for(desc, val))
+
     def value_for(self, desc, v):
         """Python value of v as a value of the type desc."""
         kind = desc.kind
@@ -301,6 +316,9 @@ class ValueResolver:
                 m = next((m for m in desc.members if m.name == name), None)
                 if m is None:
                     self.err(v, f"no component '{name}'")
+                if ultimate(m.type).kind in ("kOpenType", "kTableOpenType"):
+                    out[name] = self.open_value(part[1:], v)
+                    continue
                 val, p = parse_tokens_as(part[1:], v.file, "parse_value")
                 if p.peek().kind != "eof":
                     self.err(v, f"unexpected '{p.peek().text}' in the value of '{name}'")

@@ -5,7 +5,8 @@
 // signature-algorithm search over the OID information table.
 // Run: cades_bench --benchmark_filter='Chain|Signature'
 #include <benchmark/benchmark.h>
-
+#include <korvex/cades/OidInfoEnum.h>
+#include <korvex/cades/ades_core.h>
 #include <openssl/x509.h>
 #include <openssl/x509_vfy.h>
 
@@ -15,9 +16,6 @@
 #include <iterator>
 #include <string>
 #include <vector>
-
-#include <korvex/cades/OidInfoEnum.h>
-#include <korvex/cades/ades_core.h>
 
 namespace {
 
@@ -38,8 +36,9 @@ class TrustStore {
     if (mkdtemp(pattern.data()) == nullptr) return;
     dir_ = pattern;
     std::string config;
-    config += "\\config\\capi\\TrustAnchors\\Directory = " +
-              Folder("anchors", {"pki/root-ca.der"}) + "\n";
+    config +=
+        "\\config\\capi\\TrustAnchors\\Directory = " + Folder("anchors", {"pki/root-ca.der"}) +
+        "\n";
     config += "\\config\\capi\\Intermediates\\Directory = " +
               Folder("intermediates", {"pki/intermediate-ca.der"}) + "\n";
     config += "\\config\\capi\\CRL\\Directory = " +
@@ -118,8 +117,8 @@ void BM_OpenSSL_VerifyChainWithCrls(benchmark::State& state) {
     // Revocation of the end certificate and the intermediate CA.
     X509_STORE_set_flags(store, X509_V_FLAG_CRL_CHECK | X509_V_FLAG_CRL_CHECK_ALL);
     X509_STORE_CTX* ctx = X509_STORE_CTX_new();
-    ready = ctx && X509_STORE_CTX_init(ctx, store, ee, untrusted) == 1 &&
-            X509_verify_cert(ctx) == 1;
+    ready =
+        ctx && X509_STORE_CTX_init(ctx, store, ee, untrusted) == 1 && X509_verify_cert(ctx) == 1;
     X509_STORE_CTX_free(ctx);
   }
   if (!ready) {

@@ -1,11 +1,10 @@
 // The OID information walks: CryptEnumOIDInfo over one group, each entry
 // unpacked for the handler of its group enumerator.
 #include <korvex/cades/OidInfoEnum.h>
-
-#include <cstring>
-
 #include <korvex/platform/atl/atlexcept.h>
 #include <korvex/platform/win32/winerror.h>
+
+#include <cstring>
 
 namespace ATL2 {
 namespace {

@@ -5,16 +5,14 @@
 // play: a later hash entry with the same OID is tried when an earlier one
 // pairs with no signature algorithm.
 #include <korvex/cades/OidInfoEnum.h>
-
-#include <cstring>
-
 #include <korvex/platform/atl/atlexcept.h>
 #include <korvex/platform/win32/winerror.h>
 
+#include <cstring>
+
 namespace ATL2 {
 
-CFindSignatureAlgorithmEnum::CFindSignatureAlgorithmEnum(char const* hashOid,
-                                                         char const* pubKeyOid)
+CFindSignatureAlgorithmEnum::CFindSignatureAlgorithmEnum(char const* hashOid, char const* pubKeyOid)
     : m_hashOid(hashOid), m_pubKeyOid(pubKeyOid), m_result(nullptr), m_status(kNotFound) {}
 
 bool CFindSignatureAlgorithmEnum::OnHashAlg(char const* oid, wchar_t const* /*name*/,

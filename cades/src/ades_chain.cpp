@@ -1,7 +1,6 @@
 // IsCertChainValidForSignatureOnTimeNow: the chain of a signer's certificate
 // checked now, with the provider's own signature chain policy.
 #include <korvex/cades/ades_core.h>
-
 #include <korvex/platform/capi/chain.h>
 #include <korvex/platform/capi/errors.h>
 #include <korvex/platform/win32/errhandlingapi.h>
@@ -13,6 +12,10 @@ namespace {
 // the configured trust store.
 constexpr DWORD kChainFlags =
     CERT_CHAIN_REVOCATION_CHECK_CHAIN_EXCLUDE_ROOT | CERT_CHAIN_DISABLE_AUTH_ROOT_AUTO_UPDATE;
+
+// The policy blocks have their Windows x64 sizes: 16 and 24 bytes.
+static_assert(sizeof(CERT_CHAIN_POLICY_PARA) == 16, "CERT_CHAIN_POLICY_PARA layout");
+static_assert(sizeof(CERT_CHAIN_POLICY_STATUS) == 24, "CERT_CHAIN_POLICY_STATUS layout");
 
 // ChainHolder frees the chain, if one was built, on every way out.
 class ChainHolder {

@@ -1,7 +1,6 @@
 // GetUnauthAttr: the unsigned attributes of one signer of an open message,
 // as the provider returns them.
 #include <korvex/cades/ades_core.h>
-
 #include <korvex/platform/capi/errors.h>
 #include <korvex/platform/capi/msg.h>
 #include <korvex/platform/win32/errhandlingapi.h>
@@ -53,8 +52,8 @@ void GetUnauthAttr(void* message, unsigned int signerIndex, ATL::CStringT<char>&
   if (msg.Get() == nullptr) ThrowTraced(E_FAIL);
 
   DWORD size = 0;
-  CheckCall(CryptMsgGetParam(msg.Get(), CMSG_SIGNER_UNAUTH_ATTR_PARAM, signerIndex, nullptr,
-                             &size));
+  CheckCall(
+      CryptMsgGetParam(msg.Get(), CMSG_SIGNER_UNAUTH_ATTR_PARAM, signerIndex, nullptr, &size));
   // The structure is written straight into out's buffer: its internal
   // pointers point into that buffer, so the bytes must not move afterwards.
   // A size beyond the int range of the string class is E_INVALIDARG.

@@ -2,7 +2,6 @@
 // configuration turns it on, only the GOST R 34.10 provider types (75, 80,
 // 81) may sign.
 #include <korvex/cades/ades_core.h>
-
 #include <korvex/platform/capi/errors.h>
 #include <korvex/platform/capi/provider.h>
 #include <korvex/platform/support/support.h>
@@ -34,8 +33,7 @@ HRESULT CheckProvider(ATL::CCryptProv& prov) {
   DWORD type = 0;
   DWORD size = sizeof type;
   // A failure without a last error leaves type 0, which no accepted type is.
-  if (!CryptGetProvParam(prov.GetHandle(), PP_PROVTYPE, reinterpret_cast<BYTE*>(&type), &size,
-                         0) &&
+  if (!CryptGetProvParam(prov.GetHandle(), PP_PROVTYPE, reinterpret_cast<BYTE*>(&type), &size, 0) &&
       GetLastError() != 0) {
     return NTE_BAD_PROVIDER;
   }

@@ -14,11 +14,11 @@
 
 // ADES_TRACE(level, function, format, ...) prints one line in the name of
 // `function` when ades_db_ctx is open and traces `level` now.
-#define ADES_TRACE(level, function, ...)                                          \
-  do {                                                                            \
+#define ADES_TRACE(level, function, ...)                                         \
+  do {                                                                           \
     if (ades_db_ctx != nullptr && support_print_is(ades_db_ctx, (level)) != 0) { \
       support_dprint_print_(ades_db_ctx, (function), __VA_ARGS__);               \
-    }                                                                             \
+    }                                                                            \
   } while (0)
 
 #endif

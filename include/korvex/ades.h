@@ -9,6 +9,9 @@
 #include <korvex/platform/atl/atlexcept.h>
 #include <korvex/platform/atl/atlstr.h>
 #include <korvex/platform/support/support.h>
+#include <korvex/platform/capi/wincrypt.h>
+#include <korvex/platform/atl/atlcrypt.h>
+#include <korvex/platform/atl/certcontext.h>
 
 // Basic values and date-time.
 #include <korvex/core/StringProxy.h>
@@ -19,5 +22,7 @@
 
 // CAdES core.
 #include <korvex/cades/policy.h>
+#include <korvex/cades/ades_core.h>
+#include <korvex/cades/OidInfoEnum.h>
 
 #endif

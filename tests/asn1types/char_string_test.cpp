@@ -83,9 +83,11 @@ TEST_F(CharStringTest, DecodesEachTag) {
       {"1E 04 00 41 20 AC", L"A\u20AC"},
       {"16 00", L""},
       {"1E 00", L""},
-      // Constructed forms are joined (X.690 8.23.6).
-      {"36 80 16 01 61 16 02 62 63 00 00", L"abc"},
-      {"2C 07 0C 01 61 0C 02 C3 A9", L"a\u00E9"},
+      // Constructed forms are joined; their segments are OCTET STRINGs
+      // (X.690 8.23.6).
+      {"36 80 04 01 61 04 02 62 63 00 00", L"abc"},
+      {"2C 08 04 01 61 04 03 C3 A9 62", L"a\u00E9b"},
+      {"3E 08 04 02 00 41 04 02 00 42", L"AB"},
       // The text ends at its first NUL character.
       {"1E 06 00 41 00 00 00 42", L"A"},
       {"16 03 61 00 62", L"a"},

@@ -2,7 +2,6 @@
 // provider's signature chain policy for each kind of certificate, with the
 // exact policy error codes.
 #include <korvex/cades/ades_core.h>
-
 #include <korvex/platform/capi/errors.h>
 
 #include "ades_test_util.h"
@@ -61,7 +60,10 @@ TEST_F(ChainValidity, PolicyVerdictForEachCertificate) {
       // chain is partial, with it the root is untrusted.
       {"untrusted, issuer unknown", "pki/ee-untrusted.der", kOurCa, true,
        0x800B010Au},  // CERT_E_CHAINING
-      {"untrusted, root at hand", "pki/ee-untrusted.der", {"pki/untrusted-root-ca.der"}, true,
+      {"untrusted, root at hand",
+       "pki/ee-untrusted.der",
+       {"pki/untrusted-root-ca.der"},
+       true,
        0x800B0109u},  // CERT_E_UNTRUSTEDROOT
       {"untrusted root itself", "pki/untrusted-root-ca.der", kOurCa, true, 0x800B0109u},
       {"intermediate CA missing", "pki/ee-rsa.der", {}, true, 0x800B010Au},
@@ -89,13 +91,15 @@ TEST_F(ChainValidity, EmptyContextRunsThePolicyOnNoChain) {
   ATL2::CCertContext empty;
   unsigned int status = kUnset;
   // The policy check of a null chain cannot run: E_FAIL, status reset to 0.
-  EXPECT_EQ(static_cast<HRESULT>(0x80004005u), IsCertChainValidForSignatureOnTimeNow(empty, &status));
+  EXPECT_EQ(static_cast<HRESULT>(0x80004005u),
+            IsCertChainValidForSignatureOnTimeNow(empty, &status));
   EXPECT_EQ(0u, status);
 }
 
 TEST_F(ChainValidity, NullStatusIsRefused) {
   ATL2::CCertContext cert = Load("pki/ee-rsa.der");
-  EXPECT_EQ(static_cast<HRESULT>(0x80070057u), IsCertChainValidForSignatureOnTimeNow(cert, nullptr));
+  EXPECT_EQ(static_cast<HRESULT>(0x80070057u),
+            IsCertChainValidForSignatureOnTimeNow(cert, nullptr));
 }
 
 TEST_F(ChainValidity, VerdictFollowsTheTrustStore) {

@@ -2,7 +2,6 @@
 // attributes, the message errors, and signers given unsigned attributes by
 // DER surgery on the fixtures, read back in place.
 #include <korvex/cades/ades_core.h>
-
 #include <korvex/platform/capi/errors.h>
 #include <korvex/platform/capi/msg.h>
 
@@ -25,8 +24,8 @@ const std::string kExceptionLine = "ades GetUnauthAttr: Exception thrown: _hr";
 class Message {
  public:
   explicit Message(const Bytes& der) {
-    handle_ = CryptMsgOpenToDecode(X509_ASN_ENCODING | PKCS_7_ASN_ENCODING, 0, 0, 0, nullptr,
-                                   nullptr);
+    handle_ =
+        CryptMsgOpenToDecode(X509_ASN_ENCODING | PKCS_7_ASN_ENCODING, 0, 0, 0, nullptr, nullptr);
     EXPECT_NE(nullptr, handle_);
     if (!der.empty()) {
       EXPECT_TRUE(CryptMsgUpdate(handle_, der.data(), static_cast<DWORD>(der.size()), TRUE));
@@ -93,7 +92,9 @@ Bytes WithUnsignedAttrs(const Bytes& contentInfo, int signer, const Bytes& token
   return ades_test::AppendAt(contentInfo, {1, 0, -1, signer}, UnsignedAttrs(token));
 }
 
-Bytes BlobBytes(const CRYPT_ATTR_BLOB& blob) { return Bytes(blob.pbData, blob.pbData + blob.cbData); }
+Bytes BlobBytes(const CRYPT_ATTR_BLOB& blob) {
+  return Bytes(blob.pbData, blob.pbData + blob.cbData);
+}
 
 // ExpectAddedAttributes checks the block GetUnauthAttr returned: two
 // attributes exactly as added, every pointer inside out's own bytes.

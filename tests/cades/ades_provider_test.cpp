@@ -1,7 +1,6 @@
 // CheckProvider under the strict provider-type mode, its trace lines, and the
 // trace context and holders the library sets up at load.
 #include <korvex/cades/ades_core.h>
-
 #include <korvex/platform/capi/errors.h>
 #include <korvex/platform/capi/provider.h>
 #include <korvex/platform/win32/errhandlingapi.h>
@@ -84,7 +83,8 @@ class CheckProviderTest : public ::testing::Test {
   // traces the "ades" component at `level`.
   void Configure(const char* value, const std::string& level = "0x08") {
     std::string text = config_.TraceSettings(level);
-    if (value != nullptr) text += std::string("\\config\\CAdES\\ProviderTypeStrictMode = ") + value + "\n";
+    if (value != nullptr)
+      text += std::string("\\config\\CAdES\\ProviderTypeStrictMode = ") + value + "\n";
     config_.Write(text);
   }
 

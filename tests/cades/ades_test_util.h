@@ -21,9 +21,7 @@ namespace ades_test {
 namespace fs = std::filesystem;
 using Bytes = std::vector<uint8_t>;
 
-inline fs::path DataPath(const std::string& name) {
-  return fs::path(KORVEX_TEST_DATA_DIR) / name;
-}
+inline fs::path DataPath(const std::string& name) { return fs::path(KORVEX_TEST_DATA_DIR) / name; }
 
 // ReadData reads a file of tests/data; a missing file fails the test.
 inline Bytes ReadData(const std::string& name) {
@@ -101,8 +99,7 @@ class TestConfig {
   std::vector<std::string> TakeTraceLines() const {
     std::vector<std::string> lines;
     std::ifstream in(TraceFile(), std::ios::binary);
-    static const std::regex kPrefix(
-        R"(^\d{4}-\d{2}-\d{2}T\d{2}:\d{2}:\d{2}\.\d{3}Z \d+:\d+ )");
+    static const std::regex kPrefix(R"(^\d{4}-\d{2}-\d{2}T\d{2}:\d{2}:\d{2}\.\d{3}Z \d+:\d+ )");
     std::string line;
     while (std::getline(in, line)) {
       std::smatch match;

@@ -1,13 +1,11 @@
 // The signature algorithm of a hash and a public-key algorithm, found by the
 // two nested walks of the OID information table.
+#include <gtest/gtest.h>
 #include <korvex/cades/OidInfoEnum.h>
-
 #include <korvex/platform/atl/atlexcept.h>
 #include <korvex/platform/capi/hash.h>
 
 #include <string>
-
-#include <gtest/gtest.h>
 
 namespace {
 

@@ -2,8 +2,8 @@
 // known entry of the provider's table and for hand-made entries at the
 // edges of the extra information, how walks stop and fail, and the
 // signature-algorithm search.
+#include <gtest/gtest.h>
 #include <korvex/cades/OidInfoEnum.h>
-
 #include <korvex/platform/atl/atlexcept.h>
 #include <korvex/platform/capi/hash.h>
 #include <korvex/platform/capi/provider.h>
@@ -11,8 +11,6 @@
 #include <functional>
 #include <string>
 #include <vector>
-
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -38,61 +36,58 @@ void PrintTo(const Call& c, std::ostream* os) {
   for (unsigned int w : c.words) *os << " 0x" << std::hex << w << std::dec;
 }
 
-// Recorder<Base> records every call of Base's handler and goes on while
-// `stopAfter` calls have not been made.
-template <typename Base>
+// CallLog keeps the handler calls of a walk and says whether to go on:
+// true while fewer than `stopAfter` calls have been made.
+struct CallLog {
+  std::vector<Call> calls;
+  size_t stopAfter = SIZE_MAX;
+  const Call* Find(const std::string& oid) const {
+    for (const Call& c : calls) {
+      if (c.oid == oid) return &c;
+    }
+    return nullptr;
+  }
+  bool Record(Call call) {
+    calls.push_back(std::move(call));
+    return calls.size() < stopAfter;
+  }
+};
+
+// Recorder<E> is enumerator E with a handler that records into its CallLog.
+template <typename E>
 class Recorder;
 
-#define KORVEX_RECORDER_BODY                                      \
- public:                                                          \
-  std::vector<Call> calls;                                        \
-  size_t stopAfter = SIZE_MAX;                                    \
-  const Call* Find(const std::string& oid) const {                \
-    for (const Call& c : calls) {                                 \
-      if (c.oid == oid) return &c;                                \
-    }                                                             \
-    return nullptr;                                               \
-  }                                                               \
-                                                                  \
- private:                                                         \
-  bool Record(Call call) {                                        \
-    calls.push_back(std::move(call));                             \
-    return calls.size() < stopAfter;                              \
-  }
-
 template <>
-class Recorder<ATL2::CHashAlgorithmOidEnum> : public ATL2::CHashAlgorithmOidEnum {
-  KORVEX_RECORDER_BODY
+class Recorder<ATL2::CHashAlgorithmOidEnum> : public ATL2::CHashAlgorithmOidEnum, public CallLog {
   bool OnHashAlg(const char* oid, const wchar_t* name, unsigned int algId) override {
     return Record({Text(oid), Text(name), {algId}});
   }
 };
 template <>
-class Recorder<ATL2::CEncryptionAlgorithmOidEnum> : public ATL2::CEncryptionAlgorithmOidEnum {
-  KORVEX_RECORDER_BODY
+class Recorder<ATL2::CEncryptionAlgorithmOidEnum> : public ATL2::CEncryptionAlgorithmOidEnum,
+                                                    public CallLog {
   bool OnEncryptionAlg(const char* oid, const wchar_t* name, unsigned int algId) override {
     return Record({Text(oid), Text(name), {algId}});
   }
 };
 template <>
-class Recorder<ATL2::CPublicKeyAlgorithmOidEnum> : public ATL2::CPublicKeyAlgorithmOidEnum {
-  KORVEX_RECORDER_BODY
+class Recorder<ATL2::CPublicKeyAlgorithmOidEnum> : public ATL2::CPublicKeyAlgorithmOidEnum,
+                                                   public CallLog {
   bool OnPubKeyAlg(const char* oid, const wchar_t* name, unsigned int algId,
                    unsigned int extra) override {
     return Record({Text(oid), Text(name), {algId, extra}});
   }
 };
 template <>
-class Recorder<ATL2::CSignatureAlgorithmOidEnum> : public ATL2::CSignatureAlgorithmOidEnum {
-  KORVEX_RECORDER_BODY
-  bool OnSignatureAlg(const char* oid, const wchar_t* name, unsigned int hashAlgId,
-                      unsigned int e0, unsigned int e1, unsigned int e2) override {
+class Recorder<ATL2::CSignatureAlgorithmOidEnum> : public ATL2::CSignatureAlgorithmOidEnum,
+                                                   public CallLog {
+  bool OnSignatureAlg(const char* oid, const wchar_t* name, unsigned int hashAlgId, unsigned int e0,
+                      unsigned int e1, unsigned int e2) override {
     return Record({Text(oid), Text(name), {hashAlgId, e0, e1, e2}});
   }
 };
 template <>
-class Recorder<ATL2::CRdnAttributeOidEnum> : public ATL2::CRdnAttributeOidEnum {
-  KORVEX_RECORDER_BODY
+class Recorder<ATL2::CRdnAttributeOidEnum> : public ATL2::CRdnAttributeOidEnum, public CallLog {
  public:
   std::vector<const unsigned int*> typePointers;
 
@@ -108,35 +103,31 @@ class Recorder<ATL2::CRdnAttributeOidEnum> : public ATL2::CRdnAttributeOidEnum {
   }
 };
 template <>
-class Recorder<ATL2::CExtensionOrAttributeOidEnum> : public ATL2::CExtensionOrAttributeOidEnum {
-  KORVEX_RECORDER_BODY
+class Recorder<ATL2::CExtensionOrAttributeOidEnum> : public ATL2::CExtensionOrAttributeOidEnum,
+                                                     public CallLog {
   bool OnExtensionOrAttribute(const char* oid, const wchar_t* name) override {
     return Record({Text(oid), Text(name), {}});
   }
 };
 template <>
-class Recorder<ATL2::CEnhancedKeyUsageOidEnum> : public ATL2::CEnhancedKeyUsageOidEnum {
-  KORVEX_RECORDER_BODY
+class Recorder<ATL2::CEnhancedKeyUsageOidEnum> : public ATL2::CEnhancedKeyUsageOidEnum,
+                                                 public CallLog {
   bool OnEnhancedKeyUsage(const char* oid, const wchar_t* name) override {
     return Record({Text(oid), Text(name), {}});
   }
 };
 template <>
-class Recorder<ATL2::CPolicyOidEnum> : public ATL2::CPolicyOidEnum {
-  KORVEX_RECORDER_BODY
+class Recorder<ATL2::CPolicyOidEnum> : public ATL2::CPolicyOidEnum, public CallLog {
   bool OnPolicy(const char* oid, const wchar_t* name) override {
     return Record({Text(oid), Text(name), {}});
   }
 };
 template <>
-class Recorder<ATL2::CTemplateOidEnum> : public ATL2::CTemplateOidEnum {
-  KORVEX_RECORDER_BODY
+class Recorder<ATL2::CTemplateOidEnum> : public ATL2::CTemplateOidEnum, public CallLog {
   bool OnTemplate(const char* oid, const wchar_t* name) override {
     return Record({Text(oid), Text(name), {}});
   }
 };
-
-#undef KORVEX_RECORDER_BODY
 
 HRESULT Thrown(const std::function<void()>& f) {
   try {
@@ -179,15 +170,16 @@ TEST(OidInfoEnum, EachGroupHandsOnItsKnownEntry) {
   WalkGroup<ATL2::CEncryptionAlgorithmOidEnum>(
       2, {"2.16.840.1.101.3.4.1.42", L"aes256", {CALG_AES_256}});
   // Public keys: ALG_ID and the first extra word (the table's flags, 0).
-  WalkGroup<ATL2::CPublicKeyAlgorithmOidEnum>(
-      3, {"1.2.840.113549.1.1.1", L"RSA", {CALG_RSA_KEYX, 0}});
+  WalkGroup<ATL2::CPublicKeyAlgorithmOidEnum>(3,
+                                              {"1.2.840.113549.1.1.1", L"RSA", {CALG_RSA_KEYX, 0}});
   // Signatures: the hash ALG_ID, then key ALG_ID, flags, provider type.
   WalkGroup<ATL2::CSignatureAlgorithmOidEnum>(
       4, {"1.2.840.10045.4.3.2", L"sha256ECDSA", {CALG_SHA_256, CALG_ECDSA, 0, 0}});
   WalkGroup<ATL2::CSignatureAlgorithmOidEnum>(
-      4, {"1.2.643.7.1.1.3.2",
-          L"GOST R 34.11-2012/34.10-2012 256 bit",
-          {CALG_KORVEX_GR3411_2012_256, CALG_KORVEX_GR3410_2012_256, 0, PROV_KORVEX_GOST_2012_256}});
+      4,
+      {"1.2.643.7.1.1.3.2",
+       L"GOST R 34.11-2012/34.10-2012 256 bit",
+       {CALG_KORVEX_GR3411_2012_256, CALG_KORVEX_GR3410_2012_256, 0, PROV_KORVEX_GOST_2012_256}});
   // RDN attributes: value field 0, the count, then the value types.
   WalkGroup<ATL2::CRdnAttributeOidEnum>(5, {"2.5.4.6", L"C", {0, 1, CERT_RDN_PRINTABLE_STRING}});
   WalkGroup<ATL2::CRdnAttributeOidEnum>(
@@ -238,9 +230,14 @@ TEST(OidInfoEnum, ExtraWordsDependOnTheExtraInformationSize) {
     std::vector<unsigned int> signature;  // the three words
   };
   const Case kCases[] = {
-      {0, 0, {0, 0, 0}},          {3, 0, {0, 0, 0}},          {4, 0x11, {0x11, 0, 0}},
-      {7, 0x11, {0x11, 0, 0}},    {8, 0x11, {0x11, 0x22, 0}}, {11, 0x11, {0x11, 0x22, 0}},
-      {12, 0x11, {0x11, 0x22, 0x33}}, {16, 0x11, {0x11, 0x22, 0x33}},
+      {0, 0, {0, 0, 0}},
+      {3, 0, {0, 0, 0}},
+      {4, 0x11, {0x11, 0, 0}},
+      {7, 0x11, {0x11, 0, 0}},
+      {8, 0x11, {0x11, 0x22, 0}},
+      {11, 0x11, {0x11, 0x22, 0}},
+      {12, 0x11, {0x11, 0x22, 0x33}},
+      {16, 0x11, {0x11, 0x22, 0x33}},
   };
   for (const Case& c : kCases) {
     SCOPED_TRACE(c.bytes);
@@ -295,8 +292,8 @@ TEST(OidInfoEnum, NullEntryOrEnumeratorFails) {
   Recorder<ATL2::CEnhancedKeyUsageOidEnum> usages;
   Recorder<ATL2::CPolicyOidEnum> policies;
   Recorder<ATL2::CTemplateOidEnum> templates;
-  COidInfoEnum* all[] = {&hashes, &ciphers,  &keys,     &signatures, &rdn,
-                         &extensions, &usages, &policies, &templates};
+  COidInfoEnum* all[] = {&hashes,     &ciphers, &keys,     &signatures, &rdn,
+                         &extensions, &usages,  &policies, &templates};
   for (COidInfoEnum* e : all) {
     EXPECT_EQ(kFail, Thrown([&] { e->OnOidInfo(nullptr); }));
     EXPECT_EQ(kFail, Thrown([&] { COidInfoEnum::EnumOIDInfoCallback(nullptr, e); }));

@@ -26,6 +26,11 @@ def cstr(s):
     return '"' + "".join(out) + '"'
 
 
+def shared_guard(mod, td):
+    ns = mod.ns.replace("::", "_")
+    return f"KORVEX_ASN1GEN_SHARED_{ns}_{td.cname}"
+
+
 class Emitter:
     def __init__(self, mod, source_name):
         self.mod = mod
@@ -210,7 +215,10 @@ class Emitter:
                "// frees its components and drops that context when it is destroyed.",
                f"#ifndef {guard}", f"#define {guard}", "",
                "#include <korvex/asn1rt/asn1engine.h>"]
-        for dep in sorted(mod.deps, key=lambda m: m.cbase):
+        # Only the modules whose records this header uses: descriptors, objects and
+        # sets of other modules are needed by the source alone, and the imports of
+        # a catalogue may be circular.
+        for dep in sorted(mod.type_deps, key=lambda m: m.cbase):
             out.append(f"#include <korvex/asn1gen/{dep.cbase}.h>")
         out.append("")
         if mod.ns:
@@ -230,7 +238,12 @@ class Emitter:
         for td in records:
             self.record_decl(td, out)
         for td in records:
-            self.functions_decl(td, out)
+            if not td.shared_seqof:
+                self.functions_decl(td, out)
+        # Shared lists last: their inline descriptors name the element descriptors.
+        for td in records:
+            if td.shared_seqof:
+                self.functions_decl(td, out)
         self.objects_decl(out)
         if mod.ns:
             out.append(f"}}  // namespace {mod.ns}")
@@ -239,15 +252,16 @@ class Emitter:
         return "\n".join(out) + "\n"
 
     def used_classes(self):
+        """Classes this module defines or declares objects and sets of. Each is a
+        typedef of InfoObject, repeated in every module that needs the name (the
+        same typedef twice is allowed), so no header needs another for it."""
         seen, out = set(), []
-        for ci in list(self.mod.classes.values()):
-            if ci.mod is self.mod and id(ci) not in seen:
-                seen.add(id(ci))
-                out.append(ci)
-        for oi in self.mod.objects.values():
-            ci = oi.cls
-            if getattr(ci, "builtin", False) and id(ci) not in seen:
-                seen.add(id(ci))
+        classes = [ci for ci in self.mod.classes.values() if ci.mod is self.mod]
+        classes += [oi.cls for oi in self.mod.objects.values() if oi.mod is self.mod]
+        classes += [si.cls for si in self.mod.objsets.values() if si.mod is self.mod]
+        for ci in classes:
+            if ci.cname not in seen:
+                seen.add(ci.cname)
                 out.append(ci)
         return out
 
@@ -281,6 +295,17 @@ class Emitter:
             out.append("")
 
     def record_decl(self, td, out):
+        if td.shared_seqof:
+            guard = shared_guard(self.mod, td) + "_RECORD"
+            out.append(f"#ifndef {guard}  // also made by other modules of this namespace")
+            out.append(f"#define {guard}")
+            self.record_body(td, out)
+            out.append("#endif")
+            out.append("")
+            return
+        self.record_body(td, out)
+
+    def record_body(self, td, out):
         rec = td.record
         if td.shape == "alias":
             out.append(f"typedef {td.alias_ctype} {rec};")
@@ -331,6 +356,9 @@ class Emitter:
         out.append("")
 
     def functions_decl(self, td, out):
+        if td.shared_seqof:
+            self.shared_functions(td, out)
+            return
         rec, c = td.record, td.cname
         out.append(f"// {c}")
         out.append(f"KORVEX_API extern const {E}TypeDesc asn1Desc_{c};")
@@ -342,6 +370,10 @@ class Emitter:
         if td.has_table:
             out.append(f"KORVEX_API int asn1ETC_{c}(ASN1CTXT* ctxt, {rec}* value);")
             out.append(f"KORVEX_API int asn1DTC_{c}(ASN1CTXT* ctxt, {rec}* value);")
+        self.control_class(td, out)
+
+    def control_class(self, td, out):
+        rec, c = td.record, td.cname
         out.append(f"class KORVEX_API ASN1C_{c} : public {E}Control {{")
         out.append(" public:")
         out.append(f"  explicit ASN1C_{c}({rec}& data);")
@@ -355,20 +387,38 @@ class Emitter:
         out.append("};")
         out.append("")
 
+    def shared_functions(self, td, out):
+        """A _SeqOfX/_SetOfX record's descriptor, functions and control class as
+        inline definitions: identical in every module that makes the record."""
+        guard = shared_guard(self.mod, td) + "_FUNCTIONS"
+        out.append(f"#ifndef {guard}")
+        out.append(f"#define {guard}")
+        out.append(f"KORVEX_API inline const {E}TypeDesc asn1Desc_{td.cname} = "
+                   f"{self.desc_body(td.desc, td.record)};")
+        self.control_class(td, out)
+        body = []
+        self.functions_def(td, body)
+        for line in body:
+            # Every definition starts at the left margin: make each one inline.
+            if line and not line[0].isspace() and not line.startswith("}"):
+                line = "inline " + line
+            out.append(line)
+        out.append("#endif")
+        out.append("")
+
     def objects_decl(self, out):
         mod = self.mod
         objs = [oi for oi in mod.objects.values() if oi.mod is mod]
         if objs:
             out.append("// Information objects.")
         for oi in objs:
-            out.append(f"KORVEX_API extern const {self.mod.qual(oi.cls.mod, oi.cls.cname)} "
-                       f"{oi.cname};")
+            out.append(f"KORVEX_API extern const {oi.cls.cname} {oi.cname};")
         if objs:
             out.append("")
         for si in mod.objsets.values():
             if si.mod is not mod:
                 continue
-            cls = self.mod.qual(si.cls.mod, si.cls.cname)
+            cls = si.cls.cname
             key = "const ASN1OBJID& id" if si.cls.key_kind == "oid" else "ASN1INT id"
             out.append(f"// Information object set {si.name}.")
             out.append(f"struct KORVEX_API {si.cname} : public {E}ObjectSet {{")
@@ -384,7 +434,11 @@ class Emitter:
         out = [f"// {mod.cbase}.cpp: generated by asn1gen from {self.source_name}. Do not edit.",
                "//",
                "// Descriptor data and one-line wrappers over the codec engine.",
-               f"#include <korvex/asn1gen/{mod.cbase}.h>", "", "#include <cstddef>", "",
+               f"#include <korvex/asn1gen/{mod.cbase}.h>", "", "#include <cstddef>", ""]
+        for dep in sorted(mod.deps, key=lambda m: m.cbase):
+            if dep not in mod.type_deps:
+                out.append(f"#include <korvex/asn1gen/{dep.cbase}.h>")
+        out += ["",
                "// List records derive from ASN1TSeqOfList; offsetof on records that embed",
                "// them is exact with the Itanium C++ ABI used here.",
                "#if defined(__GNUC__)",
@@ -409,6 +463,8 @@ class Emitter:
             self.data.append(f"static const {E}TypeDesc {name} = {init};")
         publics = []
         for td in self.ordered_records():
+            if td.shared_seqof:
+                continue  # defined inline in the header
             init = self.desc_body(td.desc, td.record)
             publics.append(f"const {E}TypeDesc asn1Desc_{td.cname} = {init};")
         self.objects_data()
@@ -422,7 +478,8 @@ class Emitter:
         out.append("")
         self.object_sets(out)
         for td in self.ordered_records():
-            self.functions_def(td, out)
+            if not td.shared_seqof:
+                self.functions_def(td, out)
         if mod.ns:
             out.append(f"}}  // namespace {mod.ns}")
         return "\n".join(out) + "\n"
@@ -463,7 +520,7 @@ class Emitter:
                 vname = self.new_name("Values")
                 self.data.append(f"const void* const {vname}[] = {{{', '.join(values)}}};")
             self.object_defs = getattr(self, "object_defs", [])
-            cls = self.mod.qual(ci.mod, ci.cname)
+            cls = ci.cname
             self.object_defs.append(f"const {cls} {oi.cname} = {{{key}, {tname}, {vname}}};")
 
     def object_sets(self, out):

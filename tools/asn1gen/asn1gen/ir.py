@@ -56,6 +56,7 @@ class Desc:
         d.off1, d.off2, d.inner, d.members = self.off1, self.off2, self.inner, self.members
         d.limits, d.tagindex, d.named = self.limits, list(self.tagindex), dict(self.named)
         d.char_tag = self.char_tag
+        d.typedef = self.typedef  # a copy still describes the same record
         d.fresh = True
         return d
 

@@ -65,6 +65,7 @@ class TI:
         self.ctype = ctype
         self.by_pointer = by_pointer
         self.typedef = typedef        # TypeDef whose record is embedded (for ordering)
+        self.typedef_mod = None       # module of the record named by ctype, if any
         self.table = None             # pending Table
         self.named_ref = False        # a reference to a named record (for _SeqOf naming)
         self.alias_ctype = None       # typedef form of a primitive
@@ -142,7 +143,8 @@ class ModInfo:
         self.classes = {}
         self.objects = {}
         self.objsets = {}
-        self.deps = []              # ModInfo whose headers we include
+        self.deps = []              # ModInfo whose headers the source includes
+        self.type_deps = []         # ModInfo whose records the header uses
         self.analyzed = False
         self.in_progress = set()
         self.vr = ValueResolver(self)
@@ -157,6 +159,29 @@ class ModInfo:
     def use(self, other):
         if other is not self and other not in self.deps:
             self.deps.append(other)
+
+    def use_type(self, other):
+        """other's records appear in this module's records (header include)."""
+        self.use(other)
+        if other is not self and other not in self.type_deps:
+            self.type_deps.append(other)
+
+    def note_type(self, ti):
+        """ti's record is named in this module's records: its header is needed."""
+        if ti.typedef_mod is not None and ti.typedef_mod is not self:
+            self.use_type(ti.typedef_mod)
+
+    def adopt(self, ti, other):
+        """A type occurrence resolved in module other, used in this module's records:
+        its record names are re-qualified for this module's namespace."""
+        if other is self or ti.typedef_mod is None:
+            return ti
+        owner = ti.typedef_mod
+        if owner is not self:
+            self.use_type(owner)
+        if ti.ctype and ti.ctype.startswith("ASN1T_"):
+            ti.ctype = self.qual(owner, ti.ctype)
+        return ti
 
     def has_symbol(self, name):
         return name in self.ast.by_name or name in self.imports
@@ -321,6 +346,7 @@ class ModInfo:
             if ti.tags:
                 inner = Desc("kSequence")
                 self.copy_desc(inner, td.desc)
+                inner.typedef = td  # its members are the record's fields
                 inner.name = None
                 inner.storage = "local"
                 self.local_descs.append(inner)
@@ -342,6 +368,7 @@ class ModInfo:
             td.desc.size = full.size
             td.desc.named = full.named
             td.desc.members = full.members
+        self.note_type(ti)
         td.alias_ctype = ti.alias_ctype or ti.ctype
         td.by_pointer = ti.by_pointer
         if ti.typedef is not None:
@@ -650,6 +677,7 @@ class ModInfo:
             if lim and base.kind in SIZED_KINDS | {"kInteger"}:
                 desc = self.constrained_clone(td.desc, lim)
         ti = TI(desc, ctype, by_pointer, td if m is self else None)
+        ti.typedef_mod = m
         ti.named_ref = True
         return ti
 
@@ -701,14 +729,18 @@ class ModInfo:
                 cname = ("_SetOf" if is_set else "_SeqOf") + ename
                 existing = self.find_shared(cname)
                 if existing is not None:
+                    if existing.mod is not self:
+                        self.use_type(existing.mod)
                     ti = TI(existing.desc, self.qual(existing.mod, existing.record), True,
                             existing if existing.mod is self else None)
+                    ti.typedef_mod = existing.mod
                     ti.table = eti.table
                     return ti
             else:
                 cname = ctx.prefix
             td = self.new_typedef(cname, self.seqof_shape(ctx.path, cname), ty)
             td.shared_seqof = cname.startswith("_SeqOf") or cname.startswith("_SetOf")
+        self.note_type(eti)
         td.elem_ctype = eti.ctype or "Asn1NullValue"
         if eti.tags and eti.alias_ctype and eti.ctype in FIELD_CTYPE.values():
             td.elem_ctype = eti.ctype
@@ -727,21 +759,16 @@ class ModInfo:
             d.off1 = f"offsetof({td.record}, n)"
             d.off2 = f"offsetof({td.record}, elem)"
         ti = TI(d, td.record, True, td)
+        ti.typedef_mod = self
         ti.table = eti.table
         ti.named_ref = ctx.top is None
         return ti
 
     def find_shared(self, cname):
-        seen, todo = set(), [self]
-        while todo:
-            m = todo.pop()
-            if m in seen:
-                continue
-            seen.add(m)
-            if m.ns == self.ns and cname in m.by_cname:
-                return m.by_cname[cname]
-            todo.extend(m.deps)
-        return None
+        """This module's _SeqOfX/_SetOfX record, if made already. Every module that
+        needs one makes its own; the header defines it inline under a guard, so
+        the copies of modules of one namespace merge (see emit_cpp)."""
+        return self.by_cname.get(cname)
 
     # ---- SEQUENCE, SET, CHOICE -------------------------------------------------------------
     def expand_components(self, ty, mod, seen=()):
@@ -801,7 +828,8 @@ class ModInfo:
             cty = c.type
             path = f"{base_path}.{c.name}"
             prefix = f"{td.cname}_{cident(c.name)}"
-            ti = cmod.analyze_type(cty, Ctx(path, prefix))
+            ti = self.adopt(cmod.analyze_type(cty, Ctx(path, prefix)), cmod)
+            self.note_type(ti)
             if cmod is not self:
                 self.use(cmod)
             if automatic:
@@ -896,6 +924,7 @@ class ModInfo:
                     index.append((min(tags) if tags else 0, i))
                 d.tagindex = sorted(index)
         ti = TI(d, td.record, True, td)
+        ti.typedef_mod = self
         ti.named_ref = True
         return ti
 
@@ -1000,7 +1029,7 @@ class ModInfo:
         f = self.field_spec(ci, ty.field, ty)
         table = next((c for c in ty.constraints if c.kind == "table"), None)
         if f.kind == "value":
-            ti = ci.mod.analyze_type(f.type, ctx)
+            ti = self.adopt(ci.mod.analyze_type(f.type, ctx), ci.mod)
             if ci.mod is not self:
                 self.use(ci.mod)
             return ti

@@ -27,11 +27,11 @@
 #ifndef KORVEX_CADES_OIDINFOENUM_H
 #define KORVEX_CADES_OIDINFOENUM_H
 
-#include <exception>
-
 #include <korvex/platform/atl/atlstr.h>
 #include <korvex/platform/capi/oidinfo.h>
 #include <korvex/platform/export.h>
+
+#include <exception>
 
 namespace ATL2 {
 
@@ -47,7 +47,8 @@ class KORVEX_API COidInfoEnum {
   virtual bool OnOidInfo(_CRYPT_OID_INFO const* info) = 0;
 
   // EnumOIDInfoCallback is the callback handed to CryptEnumOIDInfo: arg is
-  // the enumerator; returns the enumerator's OnOidInfo(info). Called during
+  // the enumerator, as a COidInfoEnum* converted to void*; returns the
+  // enumerator's OnOidInfo(info). Called during
   // Enum(), it keeps an exception from the handler for Enum() to rethrow
   // and stops the walk; called directly, it lets the exception through. A
   // null arg throws 0x80004005.

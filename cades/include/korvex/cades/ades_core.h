@@ -94,7 +94,6 @@ KORVEX_API HRESULT IsCertChainValidForSignatureOnTimeNow(ATL2::CCertContext& cer
 // failed duplication or message call is traced at level 0x08 as
 // "Exception thrown: _hr" (function "GetUnauthAttr") before the throw. On a
 // throw out keeps its length and its text (its buffer may have grown).
-KORVEX_API void GetUnauthAttr(void* message, unsigned int signerIndex,
-                              ATL::CStringT<char>& out);
+KORVEX_API void GetUnauthAttr(void* message, unsigned int signerIndex, ATL::CStringT<char>& out);
 
 #endif

@@ -9,6 +9,7 @@
 #include <string>
 
 #include <korvex/asn1types/Util.h>
+#include <korvex/platform/atl/atlexcept.h>
 
 using namespace Korvex::ASN1;
 

@@ -49,7 +49,8 @@ TEST(CBigIntegerTest, CopiesAreDeep) {
   EXPECT_EQ(Bytes(a), "01 03");
   EXPECT_EQ(Bytes(b), "01 02");
   EXPECT_EQ(Bytes(c), "01 02");
-  c = c;  // self-assignment keeps the value
+  CBigInteger const& self = c;
+  c = self;  // self-assignment keeps the value
   EXPECT_EQ(Bytes(c), "01 02");
   c.put_value(Blob("FF"));
   EXPECT_TRUE(c.isNegative());

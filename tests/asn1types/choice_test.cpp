@@ -189,7 +189,8 @@ TEST_F(ChoiceTest, CopiesAreDeep) {
   c = b;  // the same alternative: assigned in place
   EXPECT_EQ(c.get_as<Tracked>(7)->id, 6);
   EXPECT_EQ(Tracked::live, 5);
-  c = c;
+  TestChoiceImpl const& self = c;
+  c = self;
   EXPECT_EQ(c.get_as<Tracked>(7)->id, 6);
 
   TestChoiceImpl empty;

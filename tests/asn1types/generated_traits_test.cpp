@@ -127,4 +127,21 @@ TEST_F(GeneratedTraitsTest, ListOfGeneratedElements) {
   ctxt.release();
 }
 
+TEST_F(GeneratedTraitsTest, WholeStructureAsDer) {
+  typedef DerBlobTraits<korvextest::ASN1T_AlgorithmIdentifier,
+                        korvextest::ASN1C_AlgorithmIdentifier,
+                        &korvextest::asn1Copy_AlgorithmIdentifier>
+      AlgIdDerTraits;
+  ctxt_handle ctxt;
+  ASSERT_TRUE(ctxt.init());
+  korvextest::ASN1T_AlgorithmIdentifier rec;
+  AlgIdDerTraits::set(ctxt, rec, Blob("30 0D 06 09 2A 86 48 86 F7 0D 01 01 0B 05 00"));
+  EXPECT_EQ(rec.m.parametersPresent, 1u);
+  CBlob der;
+  AlgIdDerTraits::get(rec, der);
+  EXPECT_EQ(Hex(der), "30 0D 06 09 2A 86 48 86 F7 0D 01 01 0B 05 00");
+  EXPECT_EQ(ThrownCode([&] { AlgIdDerTraits::set(ctxt, rec, Blob("30 00")); }), 0x80093101u);
+  ctxt.release();
+}
+
 }  // namespace

@@ -200,6 +200,33 @@ TEST_F(TraitsTemplateTest, DecodeTHeapExhaustedInTargetThrowsHeapError) {
   HeapWatch::failHeapBlock(0);
 }
 
+// ---- A whole structure kept as its DER --------------------------------------------
+
+typedef Korvex::ASN1::DerBlobTraits<ASN1T_TestOctets, ASN1C_TestOctets, &asn1Copy_TestOctets>
+    OctetsDerTraits;
+
+TEST_F(TraitsTemplateTest, DerBlobTraitsDecodeIntoTheContextAndEncodeBack) {
+  ctxt_handle ctxt;
+  ASSERT_TRUE(ctxt.init());
+  ASN1T_TestOctets rec;
+  // BER in, DER out: the record holds the value, not the bytes.
+  OctetsDerTraits::set(ctxt, rec, Blob("24 80 04 01 0A 04 01 0B 00 00"));
+  EXPECT_EQ(rtMemHeapBlockCount(&ctxt.get()->pTypeMemHeap), 1u);
+  CBlob der;
+  OctetsDerTraits::get(rec, der);
+  EXPECT_EQ(Hex(der), "04 02 0A 0B");
+  // Inside a bigger value: the blob is the member's whole encoding.
+  EXPECT_EQ(Hex(asn1Encode<OctetsDerTraits>(Blob("04 01 7F"))), "04 01 7F");
+
+  EXPECT_EQ(ThrownCode([&] { OctetsDerTraits::set(ctxt, rec, Blob("05 00")); }), kCodec);
+  EXPECT_EQ(ThrownCode([&] { OctetsDerTraits::set(ctxt, rec, CBlob()); }), kCodec);
+  EXPECT_EQ(ThrownCode([&] { OctetsDerTraits::set(nullptr, rec, Blob("04 00")); }), kInvalidArg);
+  ASN1T_TestOctets broken;
+  broken.value.numocts = 2;  // bytes claimed, none given
+  EXPECT_EQ(ThrownCode([&] { OctetsDerTraits::get(broken, der); }), kCodec);
+  EXPECT_EQ(Hex(der), "04 02 0A 0B");
+}
+
 // ---- SEQUENCE OF through ASN1TSeqOfList_traits -------------------------------
 
 TEST_F(TraitsTemplateTest, ListEncodesInListOrder) {

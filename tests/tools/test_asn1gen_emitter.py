@@ -144,6 +144,41 @@ class EmitterTest(unittest.TestCase):
         self.assertIn("{0x06, 0x02, 0x2B, 0x07}", source)
 
 
+    def test_circular_imports(self):
+        # A gathers B's object set into its table constraint; B's DEFAULT value is
+        # a value of A's record: each header includes only the modules whose
+        # records it uses, the sources include the rest.
+        self.dir.write("A", module(
+            "ALG ::= CLASS { &id OBJECT IDENTIFIER UNIQUE, &Type OPTIONAL }\n"
+            "  WITH SYNTAX { ID &id [PARMS &Type] }\n"
+            "Set ALG ::= { BSet, ... }\n"
+            "Alg ::= SEQUENCE { algorithm ALG.&id({Set}), parameters ALG.&Type({Set}{@algorithm}) OPTIONAL }\n"
+            "id-a OBJECT IDENTIFIER ::= { 1 2 }", name="A",
+            imports="IMPORTS BSet FROM B ;\n"))
+        self.dir.write("B", module(
+            "id-b OBJECT IDENTIFIER ::= { 1 3 }\n"
+            "b ALG ::= { ID id-b PARMS Params }\n"
+            "BSet ALG ::= { b }\n"
+            "sha Alg ::= { algorithm id-a, parameters NULL : NULL }\n"
+            "Params ::= SEQUENCE { hash Alg DEFAULT sha }", name="B",
+            imports="IMPORTS ALG, Alg, id-a FROM A ;\n"))
+        _, a_header, a_source, _ = self.dir.compile("A")
+        _, b_header, b_source, _ = self.dir.compile("B")
+        self.assertNotIn("#include <korvex/asn1gen/B.h>", a_header)
+        self.assertIn("#include <korvex/asn1gen/B.h>", a_source)
+        self.assertIn("#include <korvex/asn1gen/A.h>", b_header)
+        # DEFAULT { algorithm 1.2, parameters 05 00 } as the member's DER
+        self.assertIn("{0x30, 0x05, 0x06, 0x01, 0x2A, 0x05, 0x00}", b_source)
+
+    def test_shared_lists_are_inline_under_a_guard(self):
+        _, header, source = self.compile("X ::= INTEGER (0..1)\nP ::= SEQUENCE { a SEQUENCE OF X }",
+                                         directives="namespace ns\n")
+        self.assertIn("#ifndef KORVEX_ASN1GEN_SHARED_ns__SeqOfX_RECORD", header)
+        self.assertIn("KORVEX_API inline const ::Korvex::Asn1Engine::TypeDesc asn1Desc__SeqOfX = ", header)
+        self.assertIn("inline int asn1E__SeqOfX(", header)
+        self.assertNotIn("asn1E__SeqOfX", source)
+
+
 class CommandLineTest(unittest.TestCase):
     def test_outputs_depfile_and_unchanged_outputs(self):
         with tempfile.TemporaryDirectory() as tmp:

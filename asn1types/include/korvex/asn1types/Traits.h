@@ -172,6 +172,28 @@ void asn1DecodeT(CBlob const& der, ASN1CTXT* target, typename Traits::ASN1_T& re
   }
 }
 
+// DerBlobTraits: traits of a generated type whose typed value is a CBlob holding
+// the DER of the whole structure (a Name, a Certificate, a CertificateList kept
+// opaque):
+//
+//   struct ASN1T_Name_traits
+//       : DerBlobTraits<asn1data::ASN1T_Name, asn1data::ASN1C_Name,
+//                       &asn1data::asn1Copy_Name> {};
+//
+// set decodes der with a temporary decode buffer and deep-copies the record
+// into ctxt (asn1DecodeT); get encodes a copy of the record back into der
+// (asn1EncodeT: the encoder may rewrite a record's table-constrained open
+// types, so the caller's record is not encoded in place). Failures throw
+// 0x80093101 (bad DER or a record that does not encode), 0x80093106 (ctxt's
+// heap), 0x80070057 (null ctxt).
+template <class Record, class Control, int (*CopyFn)(ASN1CTXT*, Record const*, Record*)>
+struct DerBlobTraits : GeneratedTraits<Record, Control, CopyFn> {
+  static void set(ASN1CTXT* ctxt, Record& rec, CBlob const& der) {
+    asn1DecodeT<DerBlobTraits>(der, ctxt, rec);
+  }
+  static void get(Record const& rec, CBlob& der) { der = asn1EncodeT<DerBlobTraits>(rec); }
+};
+
 }  // namespace ASN1
 }  // namespace Korvex
 

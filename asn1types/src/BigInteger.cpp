@@ -1,14 +1,13 @@
 // BigInteger.cpp: CBigInteger, signed two's-complement bytes of any length.
 #include <korvex/asn1types/BigInteger.h>
+#include <korvex/asn1types/ErrorCodes.h>
+#include <korvex/asn1types/PrimitiveTraits.h>
+#include <korvex/asn1types/Traits.h>
 
 #include <algorithm>
 #include <cstring>
 #include <utility>
 #include <vector>
-
-#include <korvex/asn1types/ErrorCodes.h>
-#include <korvex/asn1types/PrimitiveTraits.h>
-#include <korvex/asn1types/Traits.h>
 
 namespace Korvex {
 namespace ASN1 {
@@ -87,7 +86,8 @@ CBigInteger::CBigInteger(unsigned char const* bytes, unsigned long n) : m_impl(n
 
 CBigInteger::CBigInteger(unsigned long value) : m_impl(new CBigIntegerImpl) {
   Bytes b;
-  for (int shift = 56; shift >= 0; shift -= 8) b.push_back(static_cast<unsigned char>(value >> shift));
+  for (int shift = 56; shift >= 0; shift -= 8)
+    b.push_back(static_cast<unsigned char>(value >> shift));
   b.insert(b.begin(), 0x00);  // non-negative: a sign byte, trimmed below when redundant
   Minimise(b);
   try {

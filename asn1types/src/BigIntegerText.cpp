@@ -1,11 +1,11 @@
 // BigIntegerText.cpp: CBigInteger and small integers to and from the runtime's
 // big-integer text.
-#include <cstring>
-#include <vector>
-
 #include <korvex/asn1rt/rtBigInt.h>
 #include <korvex/asn1types/ErrorCodes.h>
 #include <korvex/asn1types/Util.h>
+
+#include <cstring>
+#include <vector>
 
 namespace Korvex {
 namespace ASN1 {
@@ -63,10 +63,9 @@ char const* BigIntegerToASN1String(ASN1CTXT* ctxt, CBigInteger const& value) {
 
 char const* DWORDToASN1BigInteger(ASN1CTXT* ctxt, unsigned int value) {
   // Four bytes, read as two's complement like every CBigInteger.
-  unsigned char bytes[4] = {static_cast<unsigned char>(value >> 24),
-                            static_cast<unsigned char>(value >> 16),
-                            static_cast<unsigned char>(value >> 8),
-                            static_cast<unsigned char>(value)};
+  unsigned char bytes[4] = {
+      static_cast<unsigned char>(value >> 24), static_cast<unsigned char>(value >> 16),
+      static_cast<unsigned char>(value >> 8), static_cast<unsigned char>(value)};
   CBlob text;
   BigIntegerToString(CBigInteger(bytes, sizeof bytes), text);
   return HeapCopy(ctxt, std::vector<char>(text.pbData(), text.pbData() + text.cbData()),

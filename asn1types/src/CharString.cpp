@@ -1,14 +1,14 @@
 // CharString.cpp: wide text to and from the DER of the ASN.1 character-string
 // types (X.680 41, X.690 8.23).
-#include <cwchar>
-#include <string>
-#include <vector>
-
 #include <korvex/asn1rt/asn1ber.h>
 #include <korvex/asn1rt/rtUTF8.h>
 #include <korvex/asn1types/ContextHandle.h>
 #include <korvex/asn1types/ErrorCodes.h>
 #include <korvex/asn1types/Util.h>
+
+#include <cwchar>
+#include <string>
+#include <vector>
 
 namespace Korvex {
 namespace ASN1 {
@@ -45,8 +45,8 @@ int EncodeContents(ASN1CTXT* ctxt, wchar_t const* text, StringType type) {
     case stBMPString: {
       size_t n = std::wcslen(text);
       if (n > ASN1_MEMBLOCK_MAX / sizeof(ASN116BITCHAR)) throwHeapError();
-      auto* units = checkHeap(
-          static_cast<ASN116BITCHAR*>(rtMemAlloc(ctxt, n * sizeof(ASN116BITCHAR))));
+      auto* units =
+          checkHeap(static_cast<ASN116BITCHAR*>(rtMemAlloc(ctxt, n * sizeof(ASN116BITCHAR))));
       for (size_t i = 0; i < n; ++i) {
         // One 16-bit unit per character: a character beyond the BMP has none.
         if (static_cast<unsigned int>(text[i]) > 0xFFFFu) throwCodecError();
@@ -60,8 +60,8 @@ int EncodeContents(ASN1CTXT* ctxt, wchar_t const* text, StringType type) {
     case stUniversalString: {
       size_t n = std::wcslen(text);
       if (n > ASN1_MEMBLOCK_MAX / sizeof(ASN132BITCHAR)) throwHeapError();
-      auto* units = checkHeap(
-          static_cast<ASN132BITCHAR*>(rtMemAlloc(ctxt, n * sizeof(ASN132BITCHAR))));
+      auto* units =
+          checkHeap(static_cast<ASN132BITCHAR*>(rtMemAlloc(ctxt, n * sizeof(ASN132BITCHAR))));
       for (size_t i = 0; i < n; ++i) units[i] = static_cast<ASN132BITCHAR>(text[i]);
       Asn132BitCharString str;
       str.nchars = static_cast<ASN1UINT>(n);
@@ -78,7 +78,8 @@ template <class Unit>
 CWStringProxy FromUnits(Unit const* units, ASN1UINT count) {
   std::wstring text;
   text.reserve(count);
-  for (ASN1UINT i = 0; i < count && units[i] != 0; ++i) text.push_back(static_cast<wchar_t>(units[i]));
+  for (ASN1UINT i = 0; i < count && units[i] != 0; ++i)
+    text.push_back(static_cast<wchar_t>(units[i]));
   return CWStringProxy(text.c_str());
 }
 

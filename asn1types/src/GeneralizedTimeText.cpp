@@ -1,9 +1,8 @@
 // GeneralizedTimeText.cpp: DateToASN1GeneralizedTime.
+#include <korvex/asn1types/ErrorCodes.h>
 #include <korvex/asn1types/GeneralizedTimeText.h>
 
 #include <cstring>
-
-#include <korvex/asn1types/ErrorCodes.h>
 
 namespace Korvex {
 namespace ASN1 {

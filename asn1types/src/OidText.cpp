@@ -1,10 +1,10 @@
 // OidText.cpp: object identifiers to and from dotted text.
+#include <korvex/asn1types/ErrorCodes.h>
+#include <korvex/asn1types/Util.h>
+
 #include <cctype>
 #include <cstdlib>
 #include <cstring>
-
-#include <korvex/asn1types/ErrorCodes.h>
-#include <korvex/asn1types/Util.h>
 
 namespace Korvex {
 namespace ASN1 {

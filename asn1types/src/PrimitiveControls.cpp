@@ -1,7 +1,6 @@
 // PrimitiveControls.cpp: control classes over the runtime's primitive records.
-#include <korvex/asn1types/PrimitiveControls.h>
-
 #include <korvex/asn1rt/asn1ber.h>
+#include <korvex/asn1types/PrimitiveControls.h>
 
 namespace Korvex {
 namespace ASN1 {

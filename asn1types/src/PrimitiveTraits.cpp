@@ -1,14 +1,13 @@
 // PrimitiveTraits.cpp: traits of the runtime's primitive records.
-#include <korvex/asn1types/PrimitiveTraits.h>
-
-#include <cstring>
-#include <vector>
-
 #include <korvex/asn1rt/asn1ber.h>
 #include <korvex/asn1rt/rtUTF8.h>
 #include <korvex/asn1types/ErrorCodes.h>
 #include <korvex/asn1types/GeneralizedTimeText.h>
+#include <korvex/asn1types/PrimitiveTraits.h>
 #include <korvex/asn1types/Util.h>
+
+#include <cstring>
+#include <vector>
 
 namespace Korvex {
 namespace ASN1 {

@@ -1,14 +1,14 @@
 // StringConvert.cpp: narrow, wide and 16-bit text through the platform's code
 // page functions, and integers as decimal text.
-#include <cstdio>
-#include <string>
-#include <vector>
-
 #include <korvex/asn1types/ErrorCodes.h>
 #include <korvex/asn1types/Util.h>
 #include <korvex/platform/win32/errhandlingapi.h>
 #include <korvex/platform/win32/stringapiset.h>
 #include <korvex/platform/win32/winerror.h>
+
+#include <cstdio>
+#include <string>
+#include <vector>
 
 namespace Korvex {
 namespace ASN1 {

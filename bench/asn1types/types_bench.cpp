@@ -3,11 +3,10 @@
 // the bare primitive on a reused context.
 // Run: asn1types_bench --benchmark_filter='Oid|CharString|Template'
 #include <benchmark/benchmark.h>
-
-#include <string>
-
 #include <korvex/asn1rt/asn1ber.h>
 #include <korvex/asn1types/Util.h>
+
+#include <string>
 
 #include "test_records.h"
 

@@ -1,13 +1,12 @@
 // str2oid on arbitrary text. Text it accepts must print with oid2str and read
 // back to the same arcs (unless its last arc is 0xFFFFFFFF, which str2oid
 // refuses as a last arc); the record never holds more than its 128 arcs.
+#include <korvex/asn1types/Util.h>
 #include <stdint.h>
 #include <stdlib.h>
 #include <string.h>
 
 #include <string>
-
-#include <korvex/asn1types/Util.h>
 
 using namespace Korvex::ASN1;
 

@@ -2,14 +2,13 @@
 // unchanged through every string type that can hold it: UniversalString
 // always, UTF8String without surrogates, BMPString within U+FFFF, and the
 // narrow types for ASCII (the fuzzer runs in the "C" locale).
+#include <korvex/asn1types/Util.h>
+#include <korvex/platform/atl/atlexcept.h>
 #include <stdint.h>
 #include <stdlib.h>
 
 #include <cwchar>
 #include <string>
-
-#include <korvex/asn1types/Util.h>
-#include <korvex/platform/atl/atlexcept.h>
 
 using namespace Korvex::ASN1;
 

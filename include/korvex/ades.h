@@ -20,6 +20,31 @@
 #include <korvex/core/DateTime.h>
 #include <korvex/core/DateAdd.h>
 
+// ASN.1 runtime, generated modules and typed value classes.
+#include <korvex/asn1rt/asn1type.h>
+#include <korvex/asn1rt/asn1ber.h>
+#include <korvex/asn1rt/rtList.h>
+#include <korvex/asn1rt/asn1CppTypes.h>
+#include <korvex/asn1rt/ASN1CSeqOfList.h>
+#include <korvex/asn1rt/ASN1CBitStr.h>
+#include <korvex/asn1rt/ASN1CTime.h>
+#include <korvex/asn1rt/ASN1TObjId.h>
+#include <korvex/asn1rt/rtBigInt.h>
+#include <korvex/asn1rt/rtUTF8.h>
+#include <korvex/asn1rt/asn1engine.h>
+#include <korvex/asn1gen/modules.h>
+#include <korvex/asn1types/Traits.h>
+#include <korvex/asn1types/SeqOfListTraits.h>
+#include <korvex/asn1types/Choice.h>
+#include <korvex/asn1types/AutoPtr.h>
+#include <korvex/asn1types/ContextHandle.h>
+#include <korvex/asn1types/ErrorCodes.h>
+#include <korvex/asn1types/GeneralizedTimeText.h>
+#include <korvex/asn1types/PrimitiveControls.h>
+#include <korvex/asn1types/PrimitiveTraits.h>
+#include <korvex/asn1types/Util.h>
+#include <korvex/asn1types/BigInteger.h>
+
 // CAdES core.
 #include <korvex/cades/policy.h>
 #include <korvex/cades/ades_core.h>

@@ -1,13 +1,12 @@
 // CBigInteger arithmetic and codec, the big-integer text conversions and the
 // OCTET STRING helpers.
 #include <gtest/gtest.h>
-
-#include <climits>
-#include <string>
-
 #include <korvex/asn1types/BigInteger.h>
 #include <korvex/asn1types/ContextHandle.h>
 #include <korvex/asn1types/Util.h>
+
+#include <climits>
+#include <string>
 
 #include "types_test_util.h"
 
@@ -75,7 +74,7 @@ TEST(CBigIntegerTest, IncrementCarriesAndSigns) {
       {"00", INT_MIN, "80 00 00 00"},
       {"80 00 00 00", -1, "FF 7F FF FF FF"},
       {"01 00", -256, "00"},
-      {"00 00 00 05", 0, "05"},     // a result is always minimal
+      {"00 00 00 05", 0, "05"},  // a result is always minimal
   };
   for (auto const& c : cases) {
     SCOPED_TRACE(testing::Message() << c.start << " + " << c.n);
@@ -93,11 +92,11 @@ TEST(CBigIntegerTest, AddAndIncrementOperators) {
   } const cases[] = {
       {"01", "02", "03"},
       {"7F", "7F", "00 FE"},
-      {"FF", "FF", "FE"},                    // -1 + -1
-      {"80", "80", "FF 00"},                 // -128 + -128
+      {"FF", "FF", "FE"},     // -1 + -1
+      {"80", "80", "FF 00"},  // -128 + -128
       {"00 FF FF FF FF", "01", "01 00 00 00 00"},
-      {"FF FF", "00 01", "00"},              // redundant sign bytes
-      {"05", "FB", "00"},                    // 5 + -5
+      {"FF FF", "00 01", "00"},  // redundant sign bytes
+      {"05", "FB", "00"},        // 5 + -5
       {"01 00 00 00 00 00", "FF", "00 FF FF FF FF FF"},
   };
   for (auto const& c : cases) {
@@ -120,8 +119,8 @@ TEST(CBigIntegerTest, AddAndIncrementOperators) {
 
 TEST(CBigIntegerTest, CompareAndAbs) {
   // In increasing order; equal neighbours marked.
-  char const* const ordered[] = {"80 00", "FF 00", "80", "FF", "", "00", "00 00", "01",
-                                 "7F", "00 80", "01 00", "7F FF FF FF FF"};
+  char const* const ordered[] = {"80 00", "FF 00", "80", "FF",    "",      "00",
+                                 "00 00", "01",    "7F", "00 80", "01 00", "7F FF FF FF FF"};
   auto rank = [](int i) { return i >= 5 && i <= 6 ? 4 : i; };  // "", 00, 00 00 are zero
   for (int i = 0; i < 12; ++i) {
     for (int j = 0; j < 12; ++j) {
@@ -150,14 +149,10 @@ TEST(CBigIntegerTest, EncodeDecodeAsInteger) {
     char const* bytes;
     char const* der;
   } const cases[] = {
-      {"", "02 01 00"},
-      {"00", "02 01 00"},
-      {"7F", "02 01 7F"},
-      {"00 80", "02 02 00 80"},
-      {"80", "02 01 80"},
-      {"FF FF 7F", "02 02 FF 7F"},  // held non-minimal, written minimal
-      {"00 00 01", "02 01 01"},
-      {"01 02 03 04 05 06 07 08 09", "02 09 01 02 03 04 05 06 07 08 09"},
+      {"", "02 01 00"},         {"00", "02 01 00"},
+      {"7F", "02 01 7F"},       {"00 80", "02 02 00 80"},
+      {"80", "02 01 80"},       {"FF FF 7F", "02 02 FF 7F"},  // held non-minimal, written minimal
+      {"00 00 01", "02 01 01"}, {"01 02 03 04 05 06 07 08 09", "02 09 01 02 03 04 05 06 07 08 09"},
   };
   for (auto const& c : cases) {
     SCOPED_TRACE(c.bytes);
@@ -182,8 +177,8 @@ TEST(BigIntegerTextTest, TextConversions) {
     char const* bytes;
     char const* text;
   } const cases[] = {
-      {"", "0"}, {"00", "0"}, {"7F", "0x7f"}, {"00 80", "0x80"}, {"80", "-0x80"},
-      {"FF", "-0x1"}, {"01 00", "0x100"}, {"00 00 01 00", "0x100"},
+      {"", "0"},       {"00", "0"},    {"7F", "0x7f"},     {"00 80", "0x80"},
+      {"80", "-0x80"}, {"FF", "-0x1"}, {"01 00", "0x100"}, {"00 00 01 00", "0x100"},
   };
   ctxt_handle ctxt;
   ASSERT_TRUE(ctxt.init());
@@ -219,8 +214,12 @@ TEST(BigIntegerTextTest, DwordConversions) {
     unsigned value;
     char const* text;
   } const cases[] = {
-      {0, "0"}, {0x7F, "0x7f"}, {0x100, "0x100"}, {0x7FFFFFFF, "0x7fffffff"},
-      {0x80000000u, "-0x80000000"}, {0xFFFFFFFFu, "-0x1"},
+      {0, "0"},
+      {0x7F, "0x7f"},
+      {0x100, "0x100"},
+      {0x7FFFFFFF, "0x7fffffff"},
+      {0x80000000u, "-0x80000000"},
+      {0xFFFFFFFFu, "-0x1"},
   };
   for (auto const& c : cases) {
     SCOPED_TRACE(c.text);
@@ -233,8 +232,13 @@ TEST(BigIntegerTextTest, DwordConversions) {
     char const* text;
     unsigned value;
   } const folds[] = {
-      {"0x7f", 127}, {"0", 0}, {"0x100", 11}, {"0x80", 128},  // bytes 00 80
-      {"0x10203", 1 * 121 + 2 * 11 + 3}, {"-0x1", 255}, {"0x7fffffff", 127u * 1331 + 255u * 121 + 255u * 11 + 255u},
+      {"0x7f", 127},
+      {"0", 0},
+      {"0x100", 11},
+      {"0x80", 128},  // bytes 00 80
+      {"0x10203", 1 * 121 + 2 * 11 + 3},
+      {"-0x1", 255},
+      {"0x7fffffff", 127u * 1331 + 255u * 121 + 255u * 11 + 255u},
   };
   for (auto const& f : folds) {
     SCOPED_TRACE(f.text);
@@ -252,8 +256,7 @@ TEST(BigIntegerTextTest, DwordHeapExhaustedIsOutOfMemory) {
     ASSERT_TRUE(ctxt.init());
     HeapWatch::failHeapBlock(sizeof("0x100"));
     EXPECT_EQ(ThrownCode([&] { DWORDToASN1BigInteger(ctxt, 0x100); }), 0x8007000Eu);
-    EXPECT_EQ(ThrownCode([&] { BigIntegerToASN1String(ctxt, CBigInteger(0x100ul)); }),
-              0x80093106u);
+    EXPECT_EQ(ThrownCode([&] { BigIntegerToASN1String(ctxt, CBigInteger(0x100ul)); }), 0x80093106u);
     HeapWatch::failHeapBlock(0);
   }
   EXPECT_EQ(HeapWatch::live(), 0);

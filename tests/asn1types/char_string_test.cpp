@@ -1,10 +1,9 @@
 // DER character strings from and to wide text, and the code-page helpers.
 #include <gtest/gtest.h>
+#include <korvex/asn1types/Util.h>
 
 #include <cwchar>
 #include <string>
-
-#include <korvex/asn1types/Util.h>
 
 #include "types_test_util.h"
 
@@ -51,8 +50,7 @@ TEST_F(CharStringTest, EncodesEachType) {
 TEST_F(CharStringTest, EncodeRefusals) {
   for (unsigned type : {0u, 7u, 100u}) {
     SCOPED_TRACE(type);
-    EXPECT_EQ(ThrownCode([&] { encodeCharString(L"abc", static_cast<StringType>(type)); }),
-              kCodec);
+    EXPECT_EQ(ThrownCode([&] { encodeCharString(L"abc", static_cast<StringType>(type)); }), kCodec);
   }
   // A character a BMPString unit cannot hold, a surrogate in UTF-8.
   EXPECT_EQ(ThrownCode([] { encodeCharString(L"a\U0001F600", stBMPString); }), kCodec);
@@ -100,18 +98,18 @@ TEST_F(CharStringTest, DecodesEachTag) {
 
 TEST_F(CharStringTest, DecodeRefusals) {
   char const* const cases[] = {
-      "",                 // nothing
-      "04 01 61",         // OCTET STRING
-      "17 01 30",         // UTCTime: not a character string here
-      "1A 01 61",         // VisibleString: not among the types read
-      "80 01 61",         // context-specific [0]
-      "4C 01 61",         // application class with number 12
-      "16 05 61",         // shorter than its length
-      "0C 01 FF",         // not UTF-8
-      "0C 03 ED A0 80",   // an encoded surrogate
-      "1E 03 00 41 00",   // odd length for 16-bit units
-      "1C 02 00 41",      // not a whole 32-bit unit
-      "16",               // no length
+      "",                // nothing
+      "04 01 61",        // OCTET STRING
+      "17 01 30",        // UTCTime: not a character string here
+      "1A 01 61",        // VisibleString: not among the types read
+      "80 01 61",        // context-specific [0]
+      "4C 01 61",        // application class with number 12
+      "16 05 61",        // shorter than its length
+      "0C 01 FF",        // not UTF-8
+      "0C 03 ED A0 80",  // an encoded surrogate
+      "1E 03 00 41 00",  // odd length for 16-bit units
+      "1C 02 00 41",     // not a whole 32-bit unit
+      "16",              // no length
   };
   for (char const* der : cases) {
     SCOPED_TRACE(der);
@@ -139,8 +137,7 @@ TEST(StringConvertTest, NarrowAndWide) {
   EXPECT_STREQ(towstring("xyz").c_str(), L"xyz");
   EXPECT_STREQ(towstring("").c_str(), L"");
   EXPECT_EQ(ThrownCode([] { tostring(static_cast<wchar_t const*>(nullptr)); }), kInvalidArg);
-  EXPECT_EQ(ThrownCode([] { tostring(static_cast<unsigned short const*>(nullptr)); }),
-            kInvalidArg);
+  EXPECT_EQ(ThrownCode([] { tostring(static_cast<unsigned short const*>(nullptr)); }), kInvalidArg);
   EXPECT_EQ(ThrownCode([] { towstring(static_cast<char const*>(nullptr)); }), kInvalidArg);
 }
 

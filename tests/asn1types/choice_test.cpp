@@ -1,15 +1,14 @@
 // The CHOICE machinery (handlers, Choice, put_value) and copy_to_auto_ptr.
 #include <gtest/gtest.h>
-
-#include <list>
-#include <stdexcept>
-#include <memory>
-#include <string>
-
 #include <korvex/asn1types/AutoPtr.h>
 #include <korvex/asn1types/Choice.h>
 #include <korvex/core/Blob.h>
 #include <korvex/core/DateTime.h>
+
+#include <list>
+#include <memory>
+#include <stdexcept>
+#include <string>
 
 #include "types_test_util.h"
 
@@ -221,8 +220,8 @@ TEST_F(ChoiceTest, ResetAndDestructionFreeTheValue) {
   class TimeImpl : public Choice {
    public:
     ChoiceValueTraits const* findTraits(unsigned int n) const override {
-      return selectChoiceTraits<ChoiceValueTraitsT<CDateTime, 1>,
-                                ChoiceValueTraitsT<CDateTime, 2>>(n);
+      return selectChoiceTraits<ChoiceValueTraitsT<CDateTime, 1>, ChoiceValueTraitsT<CDateTime, 2>>(
+          n);
     }
   };
   owned.reset(new TimeImpl);

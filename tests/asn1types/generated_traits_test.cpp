@@ -2,14 +2,13 @@
 // module (a SEQUENCE of an OID and a table-constrained open type), with a
 // traits class written the way the value classes write theirs.
 #include <gtest/gtest.h>
-
-#include <string>
-
 #include <korvex/asn1gen/KorvexTestAlgorithms.h>
 #include <korvex/asn1types/ContextHandle.h>
 #include <korvex/asn1types/PrimitiveTraits.h>
 #include <korvex/asn1types/SeqOfListTraits.h>
 #include <korvex/asn1types/Traits.h>
+
+#include <string>
 
 #include "types_test_util.h"
 
@@ -62,8 +61,7 @@ TEST_F(GeneratedTraitsTest, WorkedExampleBytes) {
     char const* der;
   } const cases[] = {
       {{"1.2.840.113549.1.1.11", CBlob()}, "30 0B 06 09 2A 86 48 86 F7 0D 01 01 0B"},
-      {{"1.2.840.113549.1.1.11", Blob("05 00")},
-       "30 0D 06 09 2A 86 48 86 F7 0D 01 01 0B 05 00"},
+      {{"1.2.840.113549.1.1.11", Blob("05 00")}, "30 0D 06 09 2A 86 48 86 F7 0D 01 01 0B 05 00"},
       // An algorithm the set does not know keeps its raw parameters.
       {{"1.2.3.4", Blob("04 01 AA")}, "30 08 06 03 2A 03 04 04 01 AA"},
   };
@@ -78,9 +76,9 @@ TEST_F(GeneratedTraitsTest, WorkedExampleBytes) {
 
 TEST_F(GeneratedTraitsTest, DecodeStatusesBecomeCodecError) {
   char const* const cases[] = {
-      "30 00",                                                      // -8
-      "30 0F 06 09 2A 86 48 86 F7 0D 01 01 0B 05 00 05 00",        // -10
-      "31 0B 06 09 2A 86 48 86 F7 0D 01 01 0B",                     // -3
+      "30 00",                                               // -8
+      "30 0F 06 09 2A 86 48 86 F7 0D 01 01 0B 05 00 05 00",  // -10
+      "31 0B 06 09 2A 86 48 86 F7 0D 01 01 0B",              // -3
   };
   for (char const* der : cases) {
     SCOPED_TRACE(der);
@@ -92,7 +90,9 @@ TEST_F(GeneratedTraitsTest, DecodeStatusesBecomeCodecError) {
 
 TEST_F(GeneratedTraitsTest, ParametersTheObjectRefusesFailToEncode) {
   // rsaEncryption's parameters are NULL; an INTEGER is refused by the set.
-  EXPECT_EQ(ThrownCode([] { asn1Encode<AlgIdTraits>(AlgId{"1.2.840.113549.1.1.1", Blob("02 01 00")}); }),
+  EXPECT_EQ(ThrownCode([] {
+              asn1Encode<AlgIdTraits>(AlgId{"1.2.840.113549.1.1.1", Blob("02 01 00")});
+            }),
             0x80093101u);
 }
 

@@ -1,11 +1,10 @@
 // Object identifiers to and from dotted text: str2oid's exact rules, oid2str,
 // toASN1OBJID and toOID.
 #include <gtest/gtest.h>
+#include <korvex/asn1types/Util.h>
 
 #include <string>
 #include <vector>
-
-#include <korvex/asn1types/Util.h>
 
 #include "types_test_util.h"
 
@@ -26,17 +25,17 @@ TEST(Str2OidTest, AcceptedTexts) {
   } const cases[] = {
       {"1.2.840.113549", {1, 2, 840, 113549}},
       {" 1.2 ", {1, 2}},
-      {"1 . 2", {1, 2}},                  // white space around numbers
+      {"1 . 2", {1, 2}},  // white space around numbers
       {"\t1.\n2\t", {1, 2}},
-      {"5", {5}},                         // one arc: no other check is made
+      {"5", {5}},                          // one arc: no other check is made
       {"4294967295.1", {0xFFFFFFFFu, 1}},  // only the last arc is tested
-      {"1.2.4294967296", {1, 2, 0}},      // stored cut to 32 bits
-      {"+1.-1.2", {1, 0xFFFFFFFFu, 2}},   // strtoul's sign
+      {"1.2.4294967296", {1, 2, 0}},       // stored cut to 32 bits
+      {"+1.-1.2", {1, 0xFFFFFFFFu, 2}},    // strtoul's sign
       // The last arc's test compares strtoul's whole unsigned long: -1 is
       // 2^64 - 1 there, not 0xFFFFFFFF.
       {"-1", {0xFFFFFFFFu}},
       {"007.08", {7, 8}},
-      {"9.99.0", {9, 99, 0}},             // first arcs not range-checked
+      {"9.99.0", {9, 99, 0}},  // first arcs not range-checked
   };
   for (auto const& c : cases) {
     SCOPED_TRACE(c.text);
@@ -48,8 +47,8 @@ TEST(Str2OidTest, AcceptedTexts) {
 
 TEST(Str2OidTest, RefusedTexts) {
   char const* const cases[] = {
-      "",          "   ",   "1..2",  "1.2.",   ".1.2",  "1.2x",  "1.2 x", "1 2",
-      "x.1",       "1.x",   "1.2.4294967295",  "1,2",   "1.2.3.",
+      "",    "   ", "1..2", "1.2.",           ".1.2", "1.2x",   "1.2 x",
+      "1 2", "x.1", "1.x",  "1.2.4294967295", "1,2",  "1.2.3.",
   };
   for (char const* text : cases) {
     SCOPED_TRACE(text);
@@ -88,7 +87,8 @@ TEST(Oid2StrTest, WritesDottedDecimal) {
     ASN1OBJID oid = {};
     oid.numids = static_cast<ASN1UINT>(c.arcs.size());
     for (size_t i = 0; i < c.arcs.size(); ++i) oid.subid[i] = c.arcs[i];
-    CBlob out = typestest::Blob("FF FF FF FF FF FF FF FF FF FF FF FF FF FF FF FF FF FF FF FF FF FF");
+    CBlob out =
+        typestest::Blob("FF FF FF FF FF FF FF FF FF FF FF FF FF FF FF FF FF FF FF FF FF FF");
     ASSERT_EQ(oid2str(out, &oid), 1);
     // Exactly the text and its NUL.
     EXPECT_EQ(out.cbData(), std::string(c.text).size() + 1);

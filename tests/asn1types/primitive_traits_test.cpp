@@ -1,13 +1,12 @@
 // Traits of the runtime's primitive records, through the templates and one by
 // one: exact bytes, failure codes, heap ownership.
 #include <gtest/gtest.h>
-
-#include <cstring>
-
 #include <korvex/asn1types/ContextHandle.h>
 #include <korvex/asn1types/GeneralizedTimeText.h>
 #include <korvex/asn1types/PrimitiveTraits.h>
 #include <korvex/asn1types/Traits.h>
+
+#include <cstring>
 
 #include "types_test_util.h"
 
@@ -93,9 +92,7 @@ TEST_F(PrimitiveTraitsTest, IA5StringRoundTrips) {
   EXPECT_STREQ(text.c_str(), "hi");
   EXPECT_EQ(ThrownCode([&] { asn1Decode<ASN1IA5String_traits>(Blob("13 02 68 69"), text); }),
             kCodec);
-  EXPECT_EQ(ThrownCode([] {
-              asn1Encode<ASN1IA5String_traits>(static_cast<char const*>(nullptr));
-            }),
+  EXPECT_EQ(ThrownCode([] { asn1Encode<ASN1IA5String_traits>(static_cast<char const*>(nullptr)); }),
             kInvalidArg);
 }
 
@@ -136,10 +133,9 @@ TEST_F(PrimitiveTraitsTest, UTF8StringRoundTrips) {
 TEST_F(PrimitiveTraitsTest, UTF8StringFailures) {
   wchar_t const surrogate[] = {0xD800, 0};
   EXPECT_EQ(ThrownCode([&] { asn1Encode<ASN1UTF8String_traits>(surrogate); }), kCodec);
-  EXPECT_EQ(ThrownCode([] {
-              asn1Encode<ASN1UTF8String_traits>(static_cast<wchar_t const*>(nullptr));
-            }),
-            kInvalidArg);
+  EXPECT_EQ(
+      ThrownCode([] { asn1Encode<ASN1UTF8String_traits>(static_cast<wchar_t const*>(nullptr)); }),
+      kInvalidArg);
   CWStringProxy text(L"keep");
   char const* const bad[] = {"0C 01 FF", "0C 02 C0 AF", "0C 03 ED A0 80", "0C 01 C3"};
   for (char const* der : bad) {
@@ -210,8 +206,7 @@ TEST_F(PrimitiveTraitsTest, BitStrRoundTrips) {
 TEST_F(PrimitiveTraitsTest, OpenTypeRoundTrips) {
   EXPECT_EQ(Hex(asn1Encode<ASN1TOpenType_traits>(Blob("05 00"))), "05 00");
   // Only the first complete element is written.
-  EXPECT_EQ(Hex(asn1Encode<ASN1TOpenType_traits>(Blob("30 03 02 01 05 FF"))),
-            "30 03 02 01 05");
+  EXPECT_EQ(Hex(asn1Encode<ASN1TOpenType_traits>(Blob("30 03 02 01 05 FF"))), "30 03 02 01 05");
   EXPECT_EQ(Hex(asn1Encode<ASN1TOpenType_traits>(CBlob())), "");
   EXPECT_EQ(ThrownCode([] { asn1Encode<ASN1TOpenType_traits>(Blob("30 05 02 01")); }), kCodec);
   CBlob back;
@@ -264,8 +259,9 @@ TEST_F(PrimitiveTraitsTest, GeneralizedTimeFailures) {
 
 TEST_F(PrimitiveTraitsTest, GeneralizedTimeDecodesAndCopies) {
   CDateTime t(0, 0);
-  asn1Decode<ASN1GeneralizedTime_traits>(Blob("18 11 32 30 32 34 30 31 33 31 32 33 35 39 35 39 2E 35 5A"),
-                                         t);  // 20240131235959.5Z
+  asn1Decode<ASN1GeneralizedTime_traits>(
+      Blob("18 11 32 30 32 34 30 31 33 31 32 33 35 39 35 39 2E 35 5A"),
+      t);  // 20240131235959.5Z
   EXPECT_TRUE(t == CDateTime(2024, 1, 31, 23, 59, 59, 500, 0));
 
   char const* src = "20240131235959.5Z";

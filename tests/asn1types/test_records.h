@@ -25,8 +25,7 @@ struct ASN1T_TestOctets {
   }
 };
 
-inline int asn1Copy_TestOctets(ASN1CTXT* ctxt, ASN1T_TestOctets const* src,
-                               ASN1T_TestOctets* dst) {
+inline int asn1Copy_TestOctets(ASN1CTXT* ctxt, ASN1T_TestOctets const* src, ASN1T_TestOctets* dst) {
   if (src == dst) return 0;
   return rtCopyDynOctStr(ctxt, &src->value, &dst->value);
 }
@@ -43,8 +42,7 @@ class ASN1C_TestOctets : public ASN1CType {
   int DecodeFrom(ASN1MessageBufferIF& buffer) override {
     setMsgBuf(buffer);
     buffer.init();
-    return xd_octstr(buffer.getCtxtPtr(), &msgData.value.data, &msgData.value.numocts, ASN1EXPL,
-                     0);
+    return xd_octstr(buffer.getCtxtPtr(), &msgData.value.data, &msgData.value.numocts, ASN1EXPL, 0);
   }
 
  private:
@@ -117,8 +115,8 @@ class ASN1C_TestOctetsList : public ASN1CType {
 };
 
 struct ASN1T_TestOctetsList_traits
-    : Korvex::ASN1::ASN1TSeqOfList_traits<ASN1T_TestOctets, ASN1T_TestOctets_traits,
-                                          Korvex::CBlob, Korvex::CBlobList> {
+    : Korvex::ASN1::ASN1TSeqOfList_traits<ASN1T_TestOctets, ASN1T_TestOctets_traits, Korvex::CBlob,
+                                          Korvex::CBlobList> {
   typedef ASN1T_TestOctetsList ASN1_T;
   typedef ASN1C_TestOctetsList ASN1_C;
   static void copy(ASN1CTXT* ctxt, ASN1T_TestOctetsList const& src, ASN1T_TestOctetsList& dst) {

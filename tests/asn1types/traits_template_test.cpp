@@ -1,7 +1,6 @@
 // The encode/decode templates over hand-made records: exact bytes, the failure
 // codes, and that every context and heap block is freed on every path.
 #include <gtest/gtest.h>
-
 #include <korvex/asn1types/ContextHandle.h>
 #include <korvex/asn1types/Traits.h>
 
@@ -87,8 +86,7 @@ TEST_F(TraitsTemplateTest, DecodeFailuresThrowCodecErrorAndKeepValue) {
   for (char const* der : cases) {
     SCOPED_TRACE(der);
     CBlob value = Blob("EE EE");
-    EXPECT_EQ(ThrownCode([&] { asn1Decode<ASN1T_TestOctets_traits>(Blob(der), value); }),
-              kCodec);
+    EXPECT_EQ(ThrownCode([&] { asn1Decode<ASN1T_TestOctets_traits>(Blob(der), value); }), kCodec);
     EXPECT_EQ(Hex(value), "EE EE");
     EXPECT_EQ(HeapWatch::live(), 0);
   }
@@ -173,16 +171,14 @@ TEST_F(TraitsTemplateTest, DecodeTCopiesIntoTheTargetContext) {
   EXPECT_EQ(Hex(value), "01 02 03");
 
   ASN1T_TestOctets other;
-  EXPECT_EQ(ThrownCode([&] {
-              asn1DecodeT<ASN1T_TestOctets_traits>(Blob("04 03 01"), target, other);
-            }),
-            kCodec);
+  EXPECT_EQ(
+      ThrownCode([&] { asn1DecodeT<ASN1T_TestOctets_traits>(Blob("04 03 01"), target, other); }),
+      kCodec);
   EXPECT_EQ(rtMemHeapBlockCount(&target.get()->pTypeMemHeap), 1u);
   EXPECT_EQ(other.value.data, nullptr);
-  EXPECT_EQ(ThrownCode([&] {
-              asn1DecodeT<ASN1T_TestOctets_traits>(Blob("04 00"), nullptr, other);
-            }),
-            kInvalidArg);
+  EXPECT_EQ(
+      ThrownCode([&] { asn1DecodeT<ASN1T_TestOctets_traits>(Blob("04 00"), nullptr, other); }),
+      kInvalidArg);
   target.release();
 }
 
@@ -286,9 +282,7 @@ TEST_F(TraitsTemplateTest, ListSetReinitialisesTheRecordList) {
 
 TEST_F(TraitsTemplateTest, ListSetHeapExhaustedThrowsHeapError) {
   HeapWatch::failHeapBlock(sizeof(ASN1T_TestOctets));
-  EXPECT_EQ(ThrownCode([] {
-              asn1Encode<ASN1T_TestOctetsList_traits>(CBlobList{Blob("01")});
-            }),
+  EXPECT_EQ(ThrownCode([] { asn1Encode<ASN1T_TestOctetsList_traits>(CBlobList{Blob("01")}); }),
             kHeap);
   HeapWatch::failHeapBlock(0);
 }
@@ -305,8 +299,8 @@ TEST_F(TraitsTemplateTest, ListEncodeTAndDecodeTRoundTrip) {
   ctxt_handle other;
   ASSERT_TRUE(other.init());
   ASN1TSeqOfList copy;
-  using Base = Korvex::ASN1::ASN1TSeqOfList_traits<ASN1T_TestOctets, ASN1T_TestOctets_traits,
-                                                   CBlob, CBlobList>;
+  using Base = Korvex::ASN1::ASN1TSeqOfList_traits<ASN1T_TestOctets, ASN1T_TestOctets_traits, CBlob,
+                                                   CBlobList>;
   Base::copy(other, rec, copy);
   target.release();  // the copy does not depend on the source's context
   CBlobList back;

@@ -4,14 +4,13 @@
 #define KORVEX_TESTS_ASN1TYPES_TYPES_TEST_UTIL_H
 
 #include <gtest/gtest.h>
+#include <korvex/asn1rt/asn1type.h>
+#include <korvex/core/Blob.h>
+#include <korvex/platform/atl/atlexcept.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <string>
-
-#include <korvex/asn1rt/asn1type.h>
-#include <korvex/core/Blob.h>
-#include <korvex/platform/atl/atlexcept.h>
 
 namespace typestest {
 

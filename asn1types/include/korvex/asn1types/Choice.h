@@ -24,9 +24,9 @@
 #ifndef KORVEX_ASN1TYPES_CHOICE_H
 #define KORVEX_ASN1TYPES_CHOICE_H
 
-#include <new>
-
 #include <korvex/platform/export.h>
+
+#include <new>
 
 namespace Korvex {
 namespace ASN1 {
@@ -78,9 +78,7 @@ class KORVEX_API ChoiceValueTraitsT : public ChoiceValueTraits {
 
   bool isType(unsigned int n) const override { return n == N; }
   void deleteValue(void* value) const override { delete static_cast<T*>(value); }
-  void* newValue(void const* value) const override {
-    return new T(*static_cast<T const*>(value));
-  }
+  void* newValue(void const* value) const override { return new T(*static_cast<T const*>(value)); }
   void copyValue(void* dst, void const* src) const override {
     *static_cast<T*>(dst) = *static_cast<T const*>(src);
   }

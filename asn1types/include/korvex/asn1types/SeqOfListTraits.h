@@ -3,12 +3,12 @@
 #ifndef KORVEX_ASN1TYPES_SEQOFLISTTRAITS_H
 #define KORVEX_ASN1TYPES_SEQOFLISTTRAITS_H
 
-#include <list>
-#include <new>
-
 #include <korvex/asn1rt/ASN1CSeqOfList.h>
 #include <korvex/asn1types/ContextHandle.h>
 #include <korvex/asn1types/ErrorCodes.h>
+
+#include <list>
+#include <new>
 
 namespace Korvex {
 namespace ASN1 {

@@ -18,6 +18,28 @@ int DupBytes(ASN1CTXT* ctxt, const void* src, size_t n, void** out) {
   return ASN_OK;
 }
 
+// The number of bytes the data pointer of each counted record spans.
+size_t DataBytes(const ASN1OpenType& r) { return r.numocts; }
+size_t DataBytes(const ASN1DynOctStr& r) { return r.numocts; }
+size_t DataBytes(const ASN1DynBitStr& r) { return (static_cast<size_t>(r.numbits) + 7) / 8; }
+size_t DataBytes(const Asn116BitCharString& r) { return static_cast<size_t>(r.nchars) * 2; }
+size_t DataBytes(const Asn132BitCharString& r) { return static_cast<size_t>(r.nchars) * 4; }
+
+// Deep copy of a record made of a count and a data pointer: the data goes
+// into a new type-heap block (null when empty), then count and pointer are
+// stored. dest is unchanged on failure; copying onto itself does nothing.
+template <typename Rec, typename Count>
+int CopyCounted(ASN1CTXT* ctxt, const Rec* src, Rec* dest, Count Rec::*count) {
+  if (!ctxt || !src || !dest) return ASN_E_INVPARAM;
+  if (src == dest) return ASN_OK;
+  void* p;
+  int stat = DupBytes(ctxt, src->data, DataBytes(*src), &p);
+  if (stat != ASN_OK) return stat;
+  dest->*count = src->*count;
+  dest->data = static_cast<decltype(dest->data)>(p);
+  return ASN_OK;
+}
+
 }  // namespace
 
 extern "C" {
@@ -32,36 +54,15 @@ int rtCopyOID(ASN1CTXT*, const ASN1OBJID* src, ASN1OBJID* dest) {
 }
 
 int rtCopyOpenType(ASN1CTXT* ctxt, const ASN1OpenType* src, ASN1OpenType* dest) {
-  if (!ctxt || !src || !dest) return ASN_E_INVPARAM;
-  if (src == dest) return ASN_OK;
-  void* p;
-  int stat = DupBytes(ctxt, src->data, src->numocts, &p);
-  if (stat != ASN_OK) return stat;
-  dest->numocts = src->numocts;
-  dest->data = static_cast<const ASN1OCTET*>(p);
-  return ASN_OK;
+  return CopyCounted(ctxt, src, dest, &ASN1OpenType::numocts);
 }
 
 int rtCopyDynOctStr(ASN1CTXT* ctxt, const ASN1DynOctStr* src, ASN1DynOctStr* dest) {
-  if (!ctxt || !src || !dest) return ASN_E_INVPARAM;
-  if (src == dest) return ASN_OK;
-  void* p;
-  int stat = DupBytes(ctxt, src->data, src->numocts, &p);
-  if (stat != ASN_OK) return stat;
-  dest->numocts = src->numocts;
-  dest->data = static_cast<const ASN1OCTET*>(p);
-  return ASN_OK;
+  return CopyCounted(ctxt, src, dest, &ASN1DynOctStr::numocts);
 }
 
 int rtCopyDynBitStr(ASN1CTXT* ctxt, const ASN1DynBitStr* src, ASN1DynBitStr* dest) {
-  if (!ctxt || !src || !dest) return ASN_E_INVPARAM;
-  if (src == dest) return ASN_OK;
-  void* p;
-  int stat = DupBytes(ctxt, src->data, (static_cast<size_t>(src->numbits) + 7) / 8, &p);
-  if (stat != ASN_OK) return stat;
-  dest->numbits = src->numbits;
-  dest->data = static_cast<const ASN1OCTET*>(p);
-  return ASN_OK;
+  return CopyCounted(ctxt, src, dest, &ASN1DynBitStr::numbits);
 }
 
 int rtCopyCharStr(ASN1CTXT* ctxt, const char* src, const char** dest) {
@@ -80,26 +81,12 @@ int rtCopyCharStr(ASN1CTXT* ctxt, const char* src, const char** dest) {
 
 int rtCopy16BitCharStr(ASN1CTXT* ctxt, const Asn116BitCharString* src,
                        Asn116BitCharString* dest) {
-  if (!ctxt || !src || !dest) return ASN_E_INVPARAM;
-  if (src == dest) return ASN_OK;
-  void* p;
-  int stat = DupBytes(ctxt, src->data, static_cast<size_t>(src->nchars) * 2, &p);
-  if (stat != ASN_OK) return stat;
-  dest->nchars = src->nchars;
-  dest->data = static_cast<ASN116BITCHAR*>(p);
-  return ASN_OK;
+  return CopyCounted(ctxt, src, dest, &Asn116BitCharString::nchars);
 }
 
 int rtCopy32BitCharStr(ASN1CTXT* ctxt, const Asn132BitCharString* src,
                        Asn132BitCharString* dest) {
-  if (!ctxt || !src || !dest) return ASN_E_INVPARAM;
-  if (src == dest) return ASN_OK;
-  void* p;
-  int stat = DupBytes(ctxt, src->data, static_cast<size_t>(src->nchars) * 4, &p);
-  if (stat != ASN_OK) return stat;
-  dest->nchars = src->nchars;
-  dest->data = static_cast<ASN132BITCHAR*>(p);
-  return ASN_OK;
+  return CopyCounted(ctxt, src, dest, &Asn132BitCharString::nchars);
 }
 
 int rtCmpOID(const ASN1OBJID* a, const ASN1OBJID* b) {

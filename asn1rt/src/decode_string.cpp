@@ -4,6 +4,7 @@
 // one block, so the result is allocated once. Segment nesting is capped at
 // ASN_K_MAXDEPTH.
 #include <cstring>
+#include <type_traits>
 
 #include "decode_intern.h"
 
@@ -133,6 +134,27 @@ int MeasureString(ASN1CTXT* ctxt, const StringInput& in, ASN1TAG segTag, Joined*
   return stat;
 }
 
+// Reads the header of a string and measures its data octets: StringHeader
+// then MeasureString, with the measuring failure recorded.
+int MeasureInput(ASN1CTXT* ctxt, ASN1TAG tag, ASN1TAG segTag, ASN1TagType tagging, int length,
+                 StringInput* in, Joined* j) {
+  int stat = StringHeader(ctxt, tag, tagging, length, in);
+  if (stat != ASN_OK) return stat;
+  stat = MeasureString(ctxt, *in, segTag, j);
+  return stat == ASN_OK ? ASN_OK : Fail(ctxt, stat);
+}
+
+// MeasureInput for a BIT STRING: a constructed form needs at least one
+// segment, for the unused-bits octet (X.690 8.6.2). Sets *bits to the bit count.
+int MeasureBits(ASN1CTXT* ctxt, ASN1TagType tagging, int length, StringInput* in, Joined* j,
+                unsigned long long* bits) {
+  int stat = MeasureInput(ctxt, kBitSegment, kBitSegment, tagging, length, in, j);
+  if (stat != ASN_OK) return stat;
+  if (in->cons && !j->sawSegment) return Fail(ctxt, ASN_E_INVLEN);
+  *bits = static_cast<unsigned long long>(j->octets) * 8 - static_cast<unsigned>(j->unused);
+  return ASN_OK;
+}
+
 // Copies the data octets measured by MeasureString to out and moves the cursor
 // past the string.
 void CopyString(ASN1CTXT* ctxt, const StringInput& in, ASN1TAG segTag, ASN1OCTET* out) {
@@ -156,19 +178,50 @@ void CopyString(ASN1CTXT* ctxt, const StringInput& in, ASN1TAG segTag, ASN1OCTET
 // bytes (a NUL for text). *out is null for empty data without pad.
 int DecodeToHeap(ASN1CTXT* ctxt, ASN1TAG tag, ASN1TAG segTag, ASN1TagType tagging, int length,
                  size_t pad, ASN1OCTET** out, Joined* j) {
-  StringInput in;
-  int stat = StringHeader(ctxt, tag, tagging, length, &in);
-  if (stat != ASN_OK) return stat;
-  stat = MeasureString(ctxt, in, segTag, j);
-  if (stat != ASN_OK) return Fail(ctxt, stat);
-  if (j->octets > ASN1_MEMBLOCK_MAX - pad) return Fail(ctxt, ASN_E_NOMEM);
   *out = nullptr;
+  StringInput in;
+  int stat = MeasureInput(ctxt, tag, segTag, tagging, length, &in, j);
+  if (stat != ASN_OK) return stat;
+  if (j->octets > ASN1_MEMBLOCK_MAX - pad) return Fail(ctxt, ASN_E_NOMEM);
   if (j->octets + pad) {
     *out = static_cast<ASN1OCTET*>(rtMemAlloc(ctxt, j->octets + pad));
     if (!*out) return Fail(ctxt, ASN_E_NOMEM);
     if (pad) std::memset(*out + j->octets, 0, pad);
   }
   CopyString(ctxt, in, segTag, *out);
+  return ASN_OK;
+}
+
+// A BMPString-like (16-bit) or UniversalString-like (32-bit) string: the
+// contents are big-endian units of sizeof(Unit) octets, converted in place to
+// host order in one heap array. Contents that are not whole units give -5.
+template <typename Str>
+int DecodeUnits(ASN1CTXT* ctxt, Str* str, ASN1TagType tagging, ASN1TAG tag, int length) {
+  using Unit = typename std::remove_pointer<decltype(Str::data)>::type;
+  constexpr size_t kWidth = sizeof(Unit);
+  if (!str) return Fail(ctxt, ASN_E_BADVALUE);
+  StringInput in;
+  Joined j;
+  int stat = MeasureInput(ctxt, tag, kOctSegment, tagging, length, &in, &j);
+  if (stat != ASN_OK) return stat;
+  if (j.octets % kWidth) return Fail(ctxt, ASN_E_INVLEN);
+  Unit* chars = nullptr;
+  if (j.octets) {
+    chars = static_cast<Unit*>(rtMemAlloc(ctxt, j.octets));
+    if (!chars) return Fail(ctxt, ASN_E_NOMEM);
+  }
+  auto* bytes = reinterpret_cast<ASN1OCTET*>(chars);
+  CopyString(ctxt, in, kOctSegment, bytes);
+  // Unit i occupies octets [i * kWidth, (i + 1) * kWidth), all read before
+  // chars[i] overwrites them.
+  const size_t count = j.octets / kWidth;
+  for (size_t i = 0; i < count; ++i) {
+    Unit c = 0;
+    for (size_t k = 0; k < kWidth; ++k) c = static_cast<Unit>((c << 8) | bytes[i * kWidth + k]);
+    chars[i] = c;
+  }
+  str->nchars = static_cast<ASN1UINT>(count);
+  str->data = chars;
   return ASN_OK;
 }
 
@@ -192,11 +245,9 @@ int xd_octstr_s(ASN1CTXT* ctxt, ASN1OCTET* data, ASN1UINT* numocts, ASN1TagType 
                 int length) {
   if (!data || !numocts) return Fail(ctxt, ASN_E_BADVALUE);
   StringInput in;
-  int stat = StringHeader(ctxt, kOctSegment, tagging, length, &in);
-  if (stat != ASN_OK) return stat;
   Joined j;
-  stat = MeasureString(ctxt, in, kOctSegment, &j);
-  if (stat != ASN_OK) return Fail(ctxt, stat);
+  int stat = MeasureInput(ctxt, kOctSegment, kOctSegment, tagging, length, &in, &j);
+  if (stat != ASN_OK) return stat;
   if (j.octets > *numocts) return Fail(ctxt, ASN_E_STROVFLW);
   CopyString(ctxt, in, kOctSegment, data);
   *numocts = static_cast<ASN1UINT>(j.octets);
@@ -207,12 +258,10 @@ int xd_bitstr(ASN1CTXT* ctxt, const ASN1OCTET** data, ASN1UINT* numbits, ASN1Tag
               int length) {
   if (!data || !numbits) return Fail(ctxt, ASN_E_BADVALUE);
   StringInput in;
-  int stat = StringHeader(ctxt, kBitSegment, tagging, length, &in);
-  if (stat != ASN_OK) return stat;
   Joined j;
-  stat = MeasureString(ctxt, in, kBitSegment, &j);
-  if (stat != ASN_OK) return Fail(ctxt, stat);
-  if (in.cons && !j.sawSegment) return Fail(ctxt, ASN_E_INVLEN);  // no unused-bits octet at all
+  unsigned long long bits = 0;
+  int stat = MeasureBits(ctxt, tagging, length, &in, &j, &bits);
+  if (stat != ASN_OK) return stat;
   if (j.octets > 0x1FFFFFFFu) return Fail(ctxt, ASN_E_INVLEN);  // bit count beyond 32 bits
   ASN1OCTET* out = nullptr;
   if (j.octets) {
@@ -221,7 +270,7 @@ int xd_bitstr(ASN1CTXT* ctxt, const ASN1OCTET** data, ASN1UINT* numbits, ASN1Tag
   }
   CopyString(ctxt, in, kBitSegment, out);
   *data = out;
-  *numbits = static_cast<ASN1UINT>(j.octets * 8 - static_cast<size_t>(j.unused));
+  *numbits = static_cast<ASN1UINT>(bits);
   return ASN_OK;
 }
 
@@ -229,13 +278,10 @@ int xd_bitstr_s(ASN1CTXT* ctxt, ASN1OCTET* data, ASN1UINT* numbits, ASN1TagType 
                 int length) {
   if (!data || !numbits) return Fail(ctxt, ASN_E_BADVALUE);
   StringInput in;
-  int stat = StringHeader(ctxt, kBitSegment, tagging, length, &in);
-  if (stat != ASN_OK) return stat;
   Joined j;
-  stat = MeasureString(ctxt, in, kBitSegment, &j);
-  if (stat != ASN_OK) return Fail(ctxt, stat);
-  if (in.cons && !j.sawSegment) return Fail(ctxt, ASN_E_INVLEN);
-  unsigned long long bits = static_cast<unsigned long long>(j.octets) * 8 - j.unused;
+  unsigned long long bits = 0;
+  int stat = MeasureBits(ctxt, tagging, length, &in, &j, &bits);
+  if (stat != ASN_OK) return stat;
   if (bits > *numbits) return Fail(ctxt, ASN_E_STROVFLW);
   CopyString(ctxt, in, kBitSegment, data);
   *numbits = static_cast<ASN1UINT>(bits);
@@ -254,57 +300,12 @@ int xd_charstr(ASN1CTXT* ctxt, const char** text, ASN1TagType tagging, ASN1TAG t
 
 int xd_16BitCharStr(ASN1CTXT* ctxt, Asn116BitCharString* str, ASN1TagType tagging, ASN1TAG tag,
                     int length) {
-  if (!str) return Fail(ctxt, ASN_E_BADVALUE);
-  StringInput in;
-  int stat = StringHeader(ctxt, tag, tagging, length, &in);
-  if (stat != ASN_OK) return stat;
-  Joined j;
-  stat = MeasureString(ctxt, in, kOctSegment, &j);
-  if (stat != ASN_OK) return Fail(ctxt, stat);
-  if (j.octets % 2) return Fail(ctxt, ASN_E_INVLEN);
-  ASN116BITCHAR* chars = nullptr;
-  if (j.octets) {
-    chars = static_cast<ASN116BITCHAR*>(rtMemAlloc(ctxt, j.octets));
-    if (!chars) return Fail(ctxt, ASN_E_NOMEM);
-  }
-  CopyString(ctxt, in, kOctSegment, reinterpret_cast<ASN1OCTET*>(chars));
-  // Big-endian units to host order, in place: unit i occupies octets 2i, 2i+1.
-  auto* bytes = reinterpret_cast<ASN1OCTET*>(chars);
-  for (size_t i = 0; i < j.octets / 2; ++i) {
-    ASN116BITCHAR c = static_cast<ASN116BITCHAR>((bytes[2 * i] << 8) | bytes[2 * i + 1]);
-    chars[i] = c;
-  }
-  str->nchars = static_cast<ASN1UINT>(j.octets / 2);
-  str->data = chars;
-  return ASN_OK;
+  return DecodeUnits(ctxt, str, tagging, tag, length);
 }
 
 int xd_32BitCharStr(ASN1CTXT* ctxt, Asn132BitCharString* str, ASN1TagType tagging, ASN1TAG tag,
                     int length) {
-  if (!str) return Fail(ctxt, ASN_E_BADVALUE);
-  StringInput in;
-  int stat = StringHeader(ctxt, tag, tagging, length, &in);
-  if (stat != ASN_OK) return stat;
-  Joined j;
-  stat = MeasureString(ctxt, in, kOctSegment, &j);
-  if (stat != ASN_OK) return Fail(ctxt, stat);
-  if (j.octets % 4) return Fail(ctxt, ASN_E_INVLEN);
-  ASN132BITCHAR* chars = nullptr;
-  if (j.octets) {
-    chars = static_cast<ASN132BITCHAR*>(rtMemAlloc(ctxt, j.octets));
-    if (!chars) return Fail(ctxt, ASN_E_NOMEM);
-  }
-  CopyString(ctxt, in, kOctSegment, reinterpret_cast<ASN1OCTET*>(chars));
-  auto* bytes = reinterpret_cast<ASN1OCTET*>(chars);
-  for (size_t i = 0; i < j.octets / 4; ++i) {
-    ASN132BITCHAR c = (static_cast<ASN132BITCHAR>(bytes[4 * i]) << 24) |
-                      (static_cast<ASN132BITCHAR>(bytes[4 * i + 1]) << 16) |
-                      (static_cast<ASN132BITCHAR>(bytes[4 * i + 2]) << 8) | bytes[4 * i + 3];
-    chars[i] = c;
-  }
-  str->nchars = static_cast<ASN1UINT>(j.octets / 4);
-  str->data = chars;
-  return ASN_OK;
+  return DecodeUnits(ctxt, str, tagging, tag, length);
 }
 
 int xd_consStrIndefLenAndSize(ASN1CTXT* ctxt, ASN1TAG segmentTag, int* encLength, int* size) {

@@ -7,32 +7,52 @@
 
 using korvex_rt::Fail;
 
-namespace korvex_rt {
+namespace {
 
-int ReadTagLen(ASN1CTXT* ctxt, ASN1TAG* tag, int* length, bool* cons) {
-  const ASN1OCTET* d = ctxt->buffer.data;
-  ASN1UINT i = ctxt->buffer.byteIndex;
-  const ASN1UINT size = ctxt->buffer.size;
-  if (i >= size) return ASN_E_ENDOFBUF;
-  ASN1OCTET b = d[i++];
+// Parses the identifier octets at d[*i] (X.690 8.1.2) and advances *i. A high
+// tag number is base-128 groups, most significant first, at most five of
+// them. Not recorded: -2 when the octets run past size, -21 for a number above
+// 0x1FFFFFFF or a sixth group, -3 for a high-number form that is not minimal:
+// a number below 31, which takes the one-octet form (8.1.2.2, 8.1.2.3), or a
+// first group of 0x80, i.e. a leading zero group (8.1.2.4.2 c). Both rules
+// hold for BER as well as DER.
+inline int ParseTag(const ASN1OCTET* d, ASN1UINT* i, ASN1UINT size, ASN1TAG* tag) {
+  ASN1UINT at = *i;
+  if (at >= size) return ASN_E_ENDOFBUF;
+  ASN1OCTET b = d[at++];
   ASN1UINT number = b & 0x1F;
   if (number == 0x1F) {
-    // High tag number: base-128 groups, most significant first.
+    if (at >= size) return ASN_E_ENDOFBUF;
+    const ASN1OCTET firstGroup = d[at];
     unsigned long long v = 0;
     int groups = 0;
     ASN1OCTET c;
     do {
-      if (i >= size) return ASN_E_ENDOFBUF;
+      if (at >= size) return ASN_E_ENDOFBUF;
       if (++groups > 5) return ASN_E_BADTAG;
-      c = d[i++];
+      c = d[at++];
       v = (v << 7) | (c & 0x7F);
     } while (c & 0x80);
     if (v > ASN1_MAX_TAG_NUMBER) return ASN_E_BADTAG;
+    if (v < 31 || firstGroup == 0x80) return ASN_E_IDNOTFOU;
     number = static_cast<ASN1UINT>(v);
   }
-  // Length.
-  if (i >= size) return ASN_E_ENDOFBUF;
-  ASN1OCTET l = d[i++];
+  *tag = (static_cast<ASN1TAG>(b & 0xE0) << 24) | number;
+  *i = at;
+  return ASN_OK;
+}
+
+// Parses the length octets at the cursor position *i (X.690 8.1.3) and
+// advances *i. -9999 is an indefinite length. Not recorded: -2 when the
+// octets run past the data, -5 for more than four length octets (the reserved
+// 0xFF included, 8.1.3.5 c), a value above 0x7FFFFFFF or, unless
+// ASN1NOLENCHECK, a definite length longer than the bytes after it.
+inline int ParseLength(const ASN1CTXT* ctxt, ASN1UINT* i, int* length) {
+  const ASN1OCTET* d = ctxt->buffer.data;
+  const ASN1UINT size = ctxt->buffer.size;
+  ASN1UINT at = *i;
+  if (at >= size) return ASN_E_ENDOFBUF;
+  ASN1OCTET l = d[at++];
   int len;
   if (l < 0x80) {
     len = l;
@@ -40,24 +60,41 @@ int ReadTagLen(ASN1CTXT* ctxt, ASN1TAG* tag, int* length, bool* cons) {
     len = ASN_K_INDEFLEN;
   } else {
     int n = l & 0x7F;
-    if (n > 4) return ASN_E_INVLEN;  // also the reserved 0xFF (X.690 8.1.3.5 c)
+    if (n > 4) return ASN_E_INVLEN;
     ASN1UINT v = 0;
     for (int k = 0; k < n; ++k) {
-      if (i >= size) return ASN_E_ENDOFBUF;
-      v = (v << 8) | d[i++];
+      if (at >= size) return ASN_E_ENDOFBUF;
+      v = (v << 8) | d[at++];
     }
     len = static_cast<int>(v);
     // Four octets that read as -9999 mean an indefinite length; any other
     // value above 0x7FFFFFFF is invalid.
     if (len < 0 && len != ASN_K_INDEFLEN) return ASN_E_INVLEN;
   }
-  const bool constructed = (b & 0x20) != 0;
-  if (len == ASN_K_INDEFLEN) {
-    if (!constructed) return ASN_E_INVLEN;  // X.690 8.1.3.2 a
-  } else if (!(ctxt->flags & ASN1NOLENCHECK) && static_cast<ASN1UINT>(len) > size - i) {
+  if (len != ASN_K_INDEFLEN && !(ctxt->flags & ASN1NOLENCHECK) &&
+      static_cast<ASN1UINT>(len) > size - at) {
     return ASN_E_INVLEN;
   }
-  *tag = (static_cast<ASN1TAG>(b & 0xE0) << 24) | number;
+  *length = len;
+  *i = at;
+  return ASN_OK;
+}
+
+}  // namespace
+
+namespace korvex_rt {
+
+int ReadTagLen(ASN1CTXT* ctxt, ASN1TAG* tag, int* length, bool* cons) {
+  ASN1UINT i = ctxt->buffer.byteIndex;
+  ASN1TAG t;
+  int stat = ParseTag(ctxt->buffer.data, &i, ctxt->buffer.size, &t);
+  if (stat != ASN_OK) return stat;
+  int len;
+  stat = ParseLength(ctxt, &i, &len);
+  if (stat != ASN_OK) return stat;
+  const bool constructed = (t & TM_CONS) != 0;
+  if (len == ASN_K_INDEFLEN && !constructed) return ASN_E_INVLEN;  // X.690 8.1.3.2 a
+  *tag = t;
   *length = len;
   *cons = constructed;
   ctxt->buffer.byteIndex = i;
@@ -73,6 +110,17 @@ inline void SetConsFlag(ASN1CTXT* ctxt, bool cons) {
     ctxt->flags |= ASN1CONSTAG;
   } else {
     ctxt->flags = static_cast<ASN1USINT>(ctxt->flags & ~ASN1CONSTAG);
+  }
+}
+
+// Ends a successful tag-and-length read that started at the saved state:
+// with XM_ADVANCE the cursor stays after them and ASN1CONSTAG follows the
+// constructed bit; without it the cursor goes back to the start (a peek).
+inline void AdvanceOrPeek(ASN1CTXT* ctxt, bool cons, ASN1OCTET flags) {
+  if (flags & XM_ADVANCE) {
+    SetConsFlag(ctxt, cons);
+  } else {
+    ctxt->buffer.byteIndex = ctxt->savedInfo.byteIndex;
   }
 }
 
@@ -139,56 +187,20 @@ int ExplicitHeader(ASN1CTXT* ctxt, ASN1OCTET tagOctet, int* length) {
 extern "C" {
 
 int xd_tag(ASN1CTXT* ctxt, ASN1TAG* tag) {
-  const ASN1OCTET* d = ctxt->buffer.data;
   ASN1UINT i = ctxt->buffer.byteIndex;
-  const ASN1UINT size = ctxt->buffer.size;
-  if (i >= size) return Fail(ctxt, ASN_E_ENDOFBUF);
-  ASN1OCTET b = d[i++];
-  ASN1UINT number = b & 0x1F;
-  if (number == 0x1F) {
-    unsigned long long v = 0;
-    int groups = 0;
-    ASN1OCTET c;
-    do {
-      if (i >= size) return Fail(ctxt, ASN_E_ENDOFBUF);
-      if (++groups > 5) return Fail(ctxt, ASN_E_BADTAG);
-      c = d[i++];
-      v = (v << 7) | (c & 0x7F);
-    } while (c & 0x80);
-    if (v > ASN1_MAX_TAG_NUMBER) return Fail(ctxt, ASN_E_BADTAG);
-    number = static_cast<ASN1UINT>(v);
-  }
-  if (tag) *tag = (static_cast<ASN1TAG>(b & 0xE0) << 24) | number;
+  ASN1TAG t;
+  int stat = ParseTag(ctxt->buffer.data, &i, ctxt->buffer.size, &t);
+  if (stat != ASN_OK) return Fail(ctxt, stat);
+  if (tag) *tag = t;
   ctxt->buffer.byteIndex = i;
   return ASN_OK;
 }
 
 int xd_len(ASN1CTXT* ctxt, int* length) {
-  const ASN1OCTET* d = ctxt->buffer.data;
   ASN1UINT i = ctxt->buffer.byteIndex;
-  const ASN1UINT size = ctxt->buffer.size;
-  if (i >= size) return Fail(ctxt, ASN_E_ENDOFBUF);
-  ASN1OCTET l = d[i++];
   int len;
-  if (l < 0x80) {
-    len = l;
-  } else if (l == 0x80) {
-    len = ASN_K_INDEFLEN;
-  } else {
-    int n = l & 0x7F;
-    if (n > 4) return Fail(ctxt, ASN_E_INVLEN);
-    ASN1UINT v = 0;
-    for (int k = 0; k < n; ++k) {
-      if (i >= size) return Fail(ctxt, ASN_E_ENDOFBUF);
-      v = (v << 8) | d[i++];
-    }
-    len = static_cast<int>(v);
-    if (len < 0 && len != ASN_K_INDEFLEN) return Fail(ctxt, ASN_E_INVLEN);
-  }
-  if (len != ASN_K_INDEFLEN && !(ctxt->flags & ASN1NOLENCHECK) &&
-      static_cast<ASN1UINT>(len) > size - i) {
-    return Fail(ctxt, ASN_E_INVLEN);
-  }
+  int stat = ParseLength(ctxt, &i, &len);
+  if (stat != ASN_OK) return Fail(ctxt, stat);
   if (length) *length = len;
   ctxt->buffer.byteIndex = i;
   return ASN_OK;
@@ -206,11 +218,7 @@ int xd_tag_len(ASN1CTXT* ctxt, ASN1TAG* tag, int* length, ASN1OCTET flags) {
   if (stat != ASN_OK) return Fail(ctxt, stat);
   if (tag) *tag = t;
   if (length) *length = len;
-  if (flags & XM_ADVANCE) {
-    SetConsFlag(ctxt, cons);
-  } else {
-    ctxt->buffer.byteIndex = ctxt->savedInfo.byteIndex;
-  }
+  AdvanceOrPeek(ctxt, cons, flags);
   return ASN_OK;
 }
 
@@ -237,11 +245,7 @@ int xd_match(ASN1CTXT* ctxt, ASN1TAG tag, int* length, ASN1OCTET flags) {
     if (stat != ASN_OK) return failAt(search && stat == ASN_E_ENDOFBUF ? ASN_E_IDNOTFOU : stat);
     if (((t ^ tag) & ~TM_CONS) == 0) {
       if (length) *length = len;
-      if (flags & XM_ADVANCE) {
-        SetConsFlag(ctxt, cons);
-      } else {
-        ctxt->buffer.byteIndex = ctxt->savedInfo.byteIndex;
-      }
+      AdvanceOrPeek(ctxt, cons, flags);
       return ASN_OK;
     }
     if (!search) return failAt(ASN_E_IDNOTFOU);

@@ -17,7 +17,7 @@ int PutBigInt(ASN1CTXT* ctxt, const char* text, ASN1TagType tagging, bool isUnsi
   auto fromText = rtBigIntFromText;
   int n = fromText(text, RT_BIGINT_RADIX_AUTO, nullptr, 0);
   if (n < 0) return Fail(ctxt, n == ASN_E_INVPARAM ? ASN_E_INVBIGINT : n);
-  ASN1OCTET* dest = nullptr;
+  ASN1OCTET* dest;
   int stat = korvex_rt::Reserve(ctxt, static_cast<ASN1UINT>(n), &dest);
   if (stat != ASN_OK) return stat;
   int written = fromText(text, RT_BIGINT_RADIX_AUTO, dest, static_cast<size_t>(n));

@@ -64,7 +64,7 @@ int xe_memcpy(ASN1CTXT* ctxt, const ASN1OCTET* bytes, ASN1UINT n) {
     ctxt->buffer.data[--ctxt->buffer.byteIndex] = *bytes;
     return 1;
   }
-  ASN1OCTET* dest = nullptr;
+  ASN1OCTET* dest;
   int stat = korvex_rt::Reserve(ctxt, n, &dest);
   if (stat != ASN_OK) return stat;
   if (n) std::memcpy(dest, bytes, n);
@@ -99,7 +99,10 @@ namespace korvex_rt {
 
 int ReserveSlow(ASN1CTXT* ctxt, ASN1UINT n, ASN1OCTET** out) {
   int stat = xe_expandBuffer(ctxt, n);
-  if (stat != ASN_OK) return Fail(ctxt, stat);
+  if (stat != ASN_OK) {
+    *out = nullptr;
+    return Fail(ctxt, stat);
+  }
   ctxt->buffer.byteIndex -= n;
   *out = ctxt->buffer.data + ctxt->buffer.byteIndex;
   return ASN_OK;

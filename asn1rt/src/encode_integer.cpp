@@ -15,12 +15,7 @@ int PutPrimitive(ASN1CTXT* ctxt, const ASN1OCTET* contents, int n, ASN1TagType t
   ASN1OCTET* p = end - n;
   for (int i = 0; i < n; ++i) p[i] = contents[i];
   if (tagging == ASN1EXPL) p -= korvex_rt::PutHeaderBackwards(p, tag, n);
-  ASN1UINT total = static_cast<ASN1UINT>(end - p);
-  ASN1OCTET* dest = nullptr;
-  int stat = korvex_rt::Reserve(ctxt, total, &dest);
-  if (stat != ASN_OK) return stat;
-  for (ASN1UINT i = 0; i < total; ++i) dest[i] = p[i];
-  return static_cast<int>(total);
+  return korvex_rt::PutStaged(ctxt, p, static_cast<ASN1UINT>(end - p));
 }
 
 // Minimal two's complement of v into the end of out; returns the octet count.

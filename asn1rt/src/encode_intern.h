@@ -7,11 +7,12 @@
 namespace korvex_rt {
 
 // Grows the buffer and reserves n bytes; returns 0 or the recorded status.
+// *out is always set (null on failure).
 int ReserveSlow(ASN1CTXT* ctxt, ASN1UINT n, ASN1OCTET** out);
 
 // Moves the byte index back by n and sets *out to where the n bytes go,
 // growing a dynamic buffer when needed. Returns 0, or -1 (static buffer full)
-// or -12, recorded in the context.
+// or -12, recorded in the context; *out is null then.
 inline int Reserve(ASN1CTXT* ctxt, ASN1UINT n, ASN1OCTET** out) {
   if (ctxt->buffer.byteIndex >= n) {
     ctxt->buffer.byteIndex -= n;
@@ -19,6 +20,16 @@ inline int Reserve(ASN1CTXT* ctxt, ASN1UINT n, ASN1OCTET** out) {
     return ASN_OK;
   }
   return ReserveSlow(ctxt, n, out);
+}
+
+// Puts the n bytes staged at p in front of the encoded data. Returns n, or
+// the status of Reserve.
+inline int PutStaged(ASN1CTXT* ctxt, const ASN1OCTET* p, ASN1UINT n) {
+  ASN1OCTET* dest;
+  int stat = Reserve(ctxt, n, &dest);
+  if (stat != ASN_OK) return stat;
+  for (ASN1UINT i = 0; i < n; ++i) dest[i] = p[i];
+  return static_cast<int>(n);
 }
 
 // Writes the identifier and length octets of (tag, length) ending at end;

@@ -31,12 +31,7 @@ int xe_objid(ASN1CTXT* ctxt, const ASN1OBJID* oid, ASN1TagType tagging) {
   }
   int len = static_cast<int>(end - p);
   if (tagging == ASN1EXPL) p -= korvex_rt::PutHeaderBackwards(p, TM_UNIV | ASN_ID_OBJID, len);
-  ASN1UINT total = static_cast<ASN1UINT>(end - p);
-  ASN1OCTET* dest = nullptr;
-  int stat = korvex_rt::Reserve(ctxt, total, &dest);
-  if (stat != ASN_OK) return stat;
-  for (ASN1UINT i = 0; i < total; ++i) dest[i] = p[i];
-  return static_cast<int>(total);
+  return korvex_rt::PutStaged(ctxt, p, static_cast<ASN1UINT>(end - p));
 }
 
 }  // extern "C"

@@ -1,6 +1,7 @@
 // encode_string.cpp: BIT STRING, OCTET STRING and the character strings, in
 // their primitive forms (DER, X.690 10.2).
 #include <cstring>
+#include <type_traits>
 
 #include "encode_intern.h"
 
@@ -11,6 +12,28 @@ namespace {
 int Finish(ASN1CTXT* ctxt, int length, ASN1TagType tagging, ASN1TAG tag) {
   if (length < 0 || tagging != ASN1EXPL) return length;
   return xe_tag_len(ctxt, tag, length);
+}
+
+// A BMPString-like (16-bit) or UniversalString-like (32-bit) string: each
+// character as sizeof(Unit) octets, big-endian.
+template <typename Str>
+int PutUnits(ASN1CTXT* ctxt, const Str* str, ASN1TagType tagging, ASN1TAG tag) {
+  using Unit = typename std::remove_const<
+      typename std::remove_pointer<decltype(Str::data)>::type>::type;
+  constexpr ASN1UINT kWidth = sizeof(Unit);
+  if (!str || (!str->data && str->nchars)) return Fail(ctxt, ASN_E_BADVALUE);
+  if (str->nchars > ASN1_MEMBLOCK_MAX / kWidth) return Fail(ctxt, ASN_E_BUFOVFLW);
+  ASN1UINT n = str->nchars * kWidth;
+  ASN1OCTET* dest;
+  int stat = korvex_rt::Reserve(ctxt, n, &dest);
+  if (stat != ASN_OK) return stat;
+  for (ASN1UINT i = 0; i < str->nchars; ++i) {
+    Unit c = str->data[i];
+    for (ASN1UINT k = kWidth; k-- > 0; c = static_cast<Unit>(c >> 8)) {
+      dest[kWidth * i + k] = static_cast<ASN1OCTET>(c);
+    }
+  }
+  return Finish(ctxt, static_cast<int>(n), tagging, tag);
 }
 
 }  // namespace
@@ -28,7 +51,7 @@ int xe_bitstr(ASN1CTXT* ctxt, const ASN1OCTET* data, ASN1UINT numbits, ASN1TagTy
       unused = static_cast<ASN1OCTET>(8 - numbits % 8);
     }
   }
-  ASN1OCTET* dest = nullptr;
+  ASN1OCTET* dest;
   int stat = korvex_rt::Reserve(ctxt, numocts + 1, &dest);
   if (stat != ASN_OK) return stat;
   dest[0] = unused;
@@ -62,35 +85,12 @@ int xe_charstr(ASN1CTXT* ctxt, const char* text, ASN1TagType tagging, ASN1TAG ta
 
 int xe_16BitCharStr(ASN1CTXT* ctxt, const Asn116BitCharString* str, ASN1TagType tagging,
                     ASN1TAG tag) {
-  if (!str || (!str->data && str->nchars)) return Fail(ctxt, ASN_E_BADVALUE);
-  if (str->nchars > ASN1_MEMBLOCK_MAX / 2) return Fail(ctxt, ASN_E_BUFOVFLW);
-  ASN1UINT n = str->nchars * 2;
-  ASN1OCTET* dest = nullptr;
-  int stat = korvex_rt::Reserve(ctxt, n, &dest);
-  if (stat != ASN_OK) return stat;
-  for (ASN1UINT i = 0; i < str->nchars; ++i) {
-    dest[2 * i] = static_cast<ASN1OCTET>(str->data[i] >> 8);
-    dest[2 * i + 1] = static_cast<ASN1OCTET>(str->data[i]);
-  }
-  return Finish(ctxt, static_cast<int>(n), tagging, tag);
+  return PutUnits(ctxt, str, tagging, tag);
 }
 
 int xe_32BitCharStr(ASN1CTXT* ctxt, const Asn132BitCharString* str, ASN1TagType tagging,
                     ASN1TAG tag) {
-  if (!str || (!str->data && str->nchars)) return Fail(ctxt, ASN_E_BADVALUE);
-  if (str->nchars > ASN1_MEMBLOCK_MAX / 4) return Fail(ctxt, ASN_E_BUFOVFLW);
-  ASN1UINT n = str->nchars * 4;
-  ASN1OCTET* dest = nullptr;
-  int stat = korvex_rt::Reserve(ctxt, n, &dest);
-  if (stat != ASN_OK) return stat;
-  for (ASN1UINT i = 0; i < str->nchars; ++i) {
-    ASN132BITCHAR c = str->data[i];
-    dest[4 * i] = static_cast<ASN1OCTET>(c >> 24);
-    dest[4 * i + 1] = static_cast<ASN1OCTET>(c >> 16);
-    dest[4 * i + 2] = static_cast<ASN1OCTET>(c >> 8);
-    dest[4 * i + 3] = static_cast<ASN1OCTET>(c);
-  }
-  return Finish(ctxt, static_cast<int>(n), tagging, tag);
+  return PutUnits(ctxt, str, tagging, tag);
 }
 
 }  // extern "C"

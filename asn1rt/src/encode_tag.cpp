@@ -48,11 +48,8 @@ int xe_tag_len(ASN1CTXT* ctxt, ASN1TAG tag, int length) {
   ASN1OCTET tmp[16];
   int n = korvex_rt::PutHeaderBackwards(tmp + sizeof(tmp), tag, length);
   if (length > INT_MAX - n) return Fail(ctxt, ASN_E_BUFOVFLW);
-  ASN1OCTET* dest = nullptr;
-  int stat = korvex_rt::Reserve(ctxt, static_cast<ASN1UINT>(n), &dest);
-  if (stat != ASN_OK) return stat;
-  const ASN1OCTET* src = tmp + sizeof(tmp) - n;
-  for (int i = 0; i < n; ++i) dest[i] = src[i];
+  int stat = korvex_rt::PutStaged(ctxt, tmp + sizeof(tmp) - n, static_cast<ASN1UINT>(n));
+  if (stat < 0) return stat;
   return length == ASN_K_INDEFLEN ? n : n + length;
 }
 

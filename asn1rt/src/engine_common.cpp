@@ -22,6 +22,7 @@ KORVEX_PRIMITIVE_DESC(kDescOctetString, kOctetString, ASN_ID_OCTSTR, ASN1DynOctS
 KORVEX_PRIMITIVE_DESC(kDescObjectId, kObjectId, ASN_ID_OBJID, ASN1OBJID);
 KORVEX_PRIMITIVE_DESC(kDescOpenType, kOpenType, 0, ASN1OpenType);
 KORVEX_PRIMITIVE_DESC(kDescTableOpenType, kTableOpenType, 0, Asn1Object);
+KORVEX_PRIMITIVE_DESC(kDescTableOctetString, kTableOctetString, ASN_ID_OCTSTR, Asn1Object);
 KORVEX_PRIMITIVE_DESC(kDescUTF8String, kCharString, ASN_ID_UTF8String, const char*);
 KORVEX_PRIMITIVE_DESC(kDescNumericString, kCharString, ASN_ID_NumericString, const char*);
 KORVEX_PRIMITIVE_DESC(kDescPrintableString, kCharString, ASN_ID_PrintableString, const char*);

@@ -218,12 +218,16 @@ int copyValue(Walk& w, const TypeDesc* d, const void* src, void* dest) {
     }
     case kOctetString:
     case kOpenType:
-    case kTableOpenType: {
-      // ASN1DynOctStr, ASN1OpenType and Asn1Object start with count and data.
+    case kTableOpenType:
+    case kTableOctetString: {
+      // ASN1DynOctStr, ASN1OpenType and Asn1Object start with count and data;
+      // the typed value of an Asn1Object is copied by copyTablesOf.
       const ASN1OpenType* s = static_cast<const ASN1OpenType*>(src);
       ASN1OpenType* t = static_cast<ASN1OpenType*>(dest);
       t->numocts = s->numocts;
-      if (d->kind == kTableOpenType) static_cast<Asn1Object*>(dest)->decoded = nullptr;
+      if (d->kind == kTableOpenType || d->kind == kTableOctetString) {
+        static_cast<Asn1Object*>(dest)->decoded = nullptr;
+      }
       return copyBytes(ctxt, s->data, s->numocts, &t->data);
     }
     case kBMPString: {
@@ -256,7 +260,8 @@ void freeValue(Walk& w, const TypeDesc* d, void* v) {
       store<const char*>(v, nullptr);
       return;
     case kBitString:
-    case kOctetString: {
+    case kOctetString:
+    case kTableOctetString: {  // its typed value is freed by freeTablesOf
       ASN1DynOctStr* s = static_cast<ASN1DynOctStr*>(v);
       rtMemFreePtr(ctxt, s->data);
       s->data = nullptr;

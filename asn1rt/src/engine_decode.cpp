@@ -310,6 +310,13 @@ int decodeContents(Walk& w, const TypeDesc* d, void* v, int len) {
     case kObjectId:
       stat = xd_objid(ctxt, static_cast<ASN1OBJID*>(v), ASN1IMPL, len);
       break;
+    case kTableOctetString: {
+      // The contents now; the enclosing SEQUENCE decodes the value they hold
+      // once its key is known (decodeTablesOf).
+      Asn1Object* o = static_cast<Asn1Object*>(v);
+      stat = xd_octstr(ctxt, &o->data, &o->numocts, ASN1IMPL, len);
+      break;
+    }
     case kCharString: {
       const char** text = static_cast<const char**>(v);
       const bool primitive = !(ctxt->flags & ASN1CONSTAG) && len != ASN_K_INDEFLEN;

@@ -200,6 +200,12 @@ int encodeContents(Walk& w, const TypeDesc* d, void* v) {
     case kObjectId:
       len = xe_objid(ctxt, static_cast<const ASN1OBJID*>(v), ASN1IMPL);
       break;
+    case kTableOctetString: {
+      const Asn1Object* o = static_cast<const Asn1Object*>(v);
+      if (o->numocts && !o->data) return fail(ctxt, ASN_E_BADVALUE);
+      len = xe_octstr(ctxt, o->data, o->numocts, ASN1IMPL);
+      break;
+    }
     case kCharString: {
       const char* text = load<const char*>(v);
       if (!text) return fail(ctxt, ASN_E_BADVALUE);
@@ -264,6 +270,18 @@ int encodeValue(Walk& w, const TypeDesc* d, void* v, ASN1TagType tagging) {
       int len = xe_OpenType(ctxt, ot->data, ot->numocts);
       return len < 0 ? fail(ctxt, len) : len;
     }
+    case kTableOctetString:
+      if (w.openType && static_cast<const Asn1Object*>(v)->decoded) {
+        // X.682 11: the contents are the DER of the typed value.
+        const TypeDesc* type = w.openType;
+        w.openType = nullptr;
+        int len = encodeValue(w, type, static_cast<Asn1Object*>(v)->decoded, ASN1EXPL);
+        w.openType = type;
+        if (len < 0 || tagging != ASN1EXPL) return len;
+        len = xe_tag_len(ctxt, d->tag, len);
+        return len < 0 ? fail(ctxt, len) : len;
+      }
+      break;  // no typed value: the octets as they stand
     case kTagged: {
       bool expl = (d->flags & kExplicitTag) != 0;
       int len = encodeValue(w, d->inner, v, expl ? ASN1EXPL : ASN1IMPL);

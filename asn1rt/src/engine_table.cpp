@@ -8,22 +8,52 @@ namespace Asn1Engine {
 
 // ---- ObjectSet -------------------------------------------------------------------------
 
-const InfoObject* ObjectSet::lookup(const ASN1OBJID& id) const {
-  if (keyKind != kKeyObjectId) return nullptr;
-  for (unsigned i = 0; i < count; ++i) {
-    const ASN1OBJID* key = static_cast<const ASN1OBJID*>(objects[i]->key);
-    if (key && rtCmpOID(key, &id)) return objects[i];
+namespace {
+
+// The order of the compiler's sorted sets: arc by arc, then the shorter first.
+int compareOid(const ASN1OBJID& a, const ASN1OBJID& b) {
+  const ASN1UINT n = a.numids < b.numids ? a.numids : b.numids;
+  for (ASN1UINT i = 0; i < n; ++i) {
+    if (a.subid[i] != b.subid[i]) return a.subid[i] < b.subid[i] ? -1 : 1;
+  }
+  if (a.numids == b.numids) return 0;
+  return a.numids < b.numids ? -1 : 1;
+}
+
+// Binary search over objects sorted by key; cmp(key) < 0 when the key sorts
+// before the one sought.
+template <typename Cmp>
+const InfoObject* search(const InfoObject* const* objects, unsigned count, Cmp cmp) {
+  unsigned lo = 0, hi = count;
+  while (lo < hi) {
+    unsigned mid = lo + (hi - lo) / 2;
+    const void* key = objects[mid]->key;
+    int c = key ? cmp(key) : -1;
+    if (c == 0) return objects[mid];
+    if (c < 0) {
+      lo = mid + 1;
+    } else {
+      hi = mid;
+    }
   }
   return nullptr;
 }
 
+}  // namespace
+
+const InfoObject* ObjectSet::lookup(const ASN1OBJID& id) const {
+  if (keyKind != kKeyObjectId || id.numids > ASN_K_MAXSUBIDS) return nullptr;
+  return search(objects, count, [&id](const void* key) {
+    return compareOid(*static_cast<const ASN1OBJID*>(key), id);
+  });
+}
+
 const InfoObject* ObjectSet::lookup(ASN1INT id) const {
   if (keyKind != kKeyInteger) return nullptr;
-  for (unsigned i = 0; i < count; ++i) {
-    const ASN1INT* key = static_cast<const ASN1INT*>(objects[i]->key);
-    if (key && *key == id) return objects[i];
-  }
-  return nullptr;
+  return search(objects, count, [id](const void* key) {
+    ASN1INT k = *static_cast<const ASN1INT*>(key);
+    return k == id ? 0 : (k < id ? -1 : 1);
+  });
 }
 
 // ---- InfoObject --------------------------------------------------------------------------

@@ -27,48 +27,16 @@ TimeKind KindOf(bool utcTime) { return utcTime ? TimeKind::kUTCTime : TimeKind::
 }  // namespace
 
 ASN1CTime::ASN1CTime(bool utcTime, ASN1MessageBufferIF& buffer, const char*& text, bool useDerRules)
-    : ASN1CType(buffer),
-      mUTCTime(utcTime),
-      mDer(useDerRules),
-      mOwnText(nullptr),
-      mpText(&text),
-      mpReadText(nullptr),
-      mpWrittenText(nullptr),
-      mpWrittenHeap(nullptr),
-      mSetMask(0) {}
+    : ASN1CType(buffer), mUTCTime(utcTime), mDer(useDerRules), mpText(&text) {}
 
 ASN1CTime::ASN1CTime(bool utcTime, ASN1MessageBufferIF& buffer, bool useDerRules)
-    : ASN1CType(buffer),
-      mUTCTime(utcTime),
-      mDer(useDerRules),
-      mOwnText(nullptr),
-      mpText(&mOwnText),
-      mpReadText(nullptr),
-      mpWrittenText(nullptr),
-      mpWrittenHeap(nullptr),
-      mSetMask(0) {}
+    : ASN1CType(buffer), mUTCTime(utcTime), mDer(useDerRules), mpText(&mOwnText) {}
 
 ASN1CTime::ASN1CTime(bool utcTime, ASN1Context* context, const char*& text, bool useDerRules)
-    : ASN1CType(context),
-      mUTCTime(utcTime),
-      mDer(useDerRules),
-      mOwnText(nullptr),
-      mpText(&text),
-      mpReadText(nullptr),
-      mpWrittenText(nullptr),
-      mpWrittenHeap(nullptr),
-      mSetMask(0) {}
+    : ASN1CType(context), mUTCTime(utcTime), mDer(useDerRules), mpText(&text) {}
 
 ASN1CTime::ASN1CTime(bool utcTime, bool useDerRules)
-    : ASN1CType(),
-      mUTCTime(utcTime),
-      mDer(useDerRules),
-      mOwnText(nullptr),
-      mpText(&mOwnText),
-      mpReadText(nullptr),
-      mpWrittenText(nullptr),
-      mpWrittenHeap(nullptr),
-      mSetMask(0) {}
+    : ASN1CType(), mUTCTime(utcTime), mDer(useDerRules), mpText(&mOwnText) {}
 
 // The text this object wrote stays in the context heap: a record may still
 // point at it.
@@ -190,47 +158,19 @@ int ASN1CTime::commit(ASN1TimeFields const& fields, unsigned int setMask) {
   return 0;
 }
 
-int ASN1CTime::setYear(int year) {
+int ASN1CTime::setField(int ASN1TimeFields::*member, int value, unsigned int setBit) {
   refresh();  // an unreadable text is simply replaced
   ASN1TimeFields f = mFields;
-  f.year = year;
-  return commit(f, mSetMask | kYearSet);
+  f.*member = value;
+  return commit(f, mSetMask | setBit);
 }
 
-int ASN1CTime::setMonth(int month) {
-  refresh();
-  ASN1TimeFields f = mFields;
-  f.month = month;
-  return commit(f, mSetMask | kMonthSet);
-}
-
-int ASN1CTime::setDay(int day) {
-  refresh();
-  ASN1TimeFields f = mFields;
-  f.day = day;
-  return commit(f, mSetMask | kDaySet);
-}
-
-int ASN1CTime::setHour(int hour) {
-  refresh();
-  ASN1TimeFields f = mFields;
-  f.hour = hour;
-  return commit(f, mSetMask);
-}
-
-int ASN1CTime::setMinute(int minute) {
-  refresh();
-  ASN1TimeFields f = mFields;
-  f.minute = minute;
-  return commit(f, mSetMask);
-}
-
-int ASN1CTime::setSecond(int second) {
-  refresh();
-  ASN1TimeFields f = mFields;
-  f.second = second;
-  return commit(f, mSetMask);
-}
+int ASN1CTime::setYear(int year) { return setField(&ASN1TimeFields::year, year, kYearSet); }
+int ASN1CTime::setMonth(int month) { return setField(&ASN1TimeFields::month, month, kMonthSet); }
+int ASN1CTime::setDay(int day) { return setField(&ASN1TimeFields::day, day, kDaySet); }
+int ASN1CTime::setHour(int hour) { return setField(&ASN1TimeFields::hour, hour, 0); }
+int ASN1CTime::setMinute(int minute) { return setField(&ASN1TimeFields::minute, minute, 0); }
+int ASN1CTime::setSecond(int second) { return setField(&ASN1TimeFields::second, second, 0); }
 
 int ASN1CTime::setFraction(int value, int precision) {
   refresh();
@@ -245,30 +185,28 @@ int ASN1CTime::setFraction(int value, int precision) {
   return commit(f, mSetMask);  // UTCTime refuses any fraction but zero
 }
 
+int ASN1CTime::setZone(ASN1TimeFields::Zone zone, int offsetMinutes) {
+  ASN1TimeFields f = mFields;
+  f.zone = zone;
+  f.offsetMinutes = offsetMinutes;
+  return commit(f, mSetMask);
+}
+
 int ASN1CTime::setUTC() {
   refresh();
-  ASN1TimeFields f = mFields;
-  f.zone = ASN1TimeFields::kUTC;
-  f.offsetMinutes = 0;
-  return commit(f, mSetMask);
+  return setZone(ASN1TimeFields::kUTC, 0);
 }
 
 int ASN1CTime::setLocal() {
   refresh();
   if (mDer) return ASN_E_INVDATETIME;  // X.690 11.7.1: DER times are UTC
-  ASN1TimeFields f = mFields;
-  f.zone = ASN1TimeFields::kLocal;
-  f.offsetMinutes = 0;
-  return commit(f, mSetMask);
+  return setZone(ASN1TimeFields::kLocal, 0);
 }
 
 int ASN1CTime::setDiff(int minutes) {
   refresh();
   if (minutes < -kMaxOffsetMinutes || minutes > kMaxOffsetMinutes) return ASN_E_INVDATETIME;
-  ASN1TimeFields f = mFields;
-  f.zone = ASN1TimeFields::kOffset;
-  f.offsetMinutes = minutes;
-  return commit(f, mSetMask);
+  return setZone(ASN1TimeFields::kOffset, minutes);
 }
 
 int ASN1CTime::setDiff(int hours, int minutes) {

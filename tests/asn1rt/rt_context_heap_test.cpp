@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <functional>
 #include <vector>
 
 #include "rt_test_util.h"
@@ -544,6 +545,77 @@ TEST(RtCopy, DeepCopiesIntoTheTypeHeap) {
   EXPECT_EQ(rtCopyOpenType(&ctx.c, nullptr, &openCopy), ASN_E_INVPARAM);
   // A copy onto itself does nothing.
   EXPECT_EQ(rtCopyOpenType(&ctx.c, &openCopy, &openCopy), 0);
+}
+
+// Each counted copy takes exactly the bytes its data spans, refuses a count
+// with no data (-30) and leaves dest untouched when the heap fails (-12).
+TEST(RtCopy, CountedRecordsCopyTheirBytesOrLeaveDest) {
+  ScopedCountingAlloc scoped;
+  Context ctx;
+  static const ASN1OCTET kBytes[] = {1, 2, 3, 4, 5, 6, 7, 8};
+  static const ASN132BITCHAR kUcs[] = {0x1F600, 0x41};
+  ASN116BITCHAR bmp[] = {0x41, 0x42, 0x43};
+  struct Case {
+    const char* name;
+    std::function<int(bool withData)> copy;  // copies into dest, returns the status
+    std::function<bool()> destUntouched;
+    size_t blockSize;  // bytes of the copy's block
+  };
+  ASN1OpenType open{}, openDest{9, kBytes};
+  ASN1DynOctStr oct{}, octDest{9, kBytes};
+  ASN1DynBitStr bits{}, bitsDest{9, kBytes};
+  Asn116BitCharString s16{}, s16Dest{9, bmp};
+  Asn132BitCharString s32{}, s32Dest{9, nullptr};
+  const std::vector<Case> cases = {
+      {"open type",
+       [&](bool d) {
+         open = {5, d ? kBytes : nullptr};
+         return rtCopyOpenType(&ctx, &open, &openDest);
+       },
+       [&] { return openDest.numocts == 9 && openDest.data == kBytes; }, 5},
+      {"octet string",
+       [&](bool d) {
+         oct = {8, d ? kBytes : nullptr};
+         return rtCopyDynOctStr(&ctx, &oct, &octDest);
+       },
+       [&] { return octDest.numocts == 9 && octDest.data == kBytes; }, 8},
+      {"bit string",
+       [&](bool d) {
+         bits = {17, d ? kBytes : nullptr};
+         return rtCopyDynBitStr(&ctx, &bits, &bitsDest);
+       },
+       [&] { return bitsDest.numbits == 9 && bitsDest.data == kBytes; }, 3},
+      {"16-bit characters",
+       [&](bool d) {
+         s16 = {3, d ? bmp : nullptr};
+         return rtCopy16BitCharStr(&ctx, &s16, &s16Dest);
+       },
+       [&] { return s16Dest.nchars == 9 && s16Dest.data == bmp; }, 6},
+      {"32-bit characters",
+       [&](bool d) {
+         s32 = {2, d ? const_cast<ASN132BITCHAR*>(kUcs) : nullptr};
+         return rtCopy32BitCharStr(&ctx, &s32, &s32Dest);
+       },
+       [&] { return s32Dest.nchars == 9 && s32Dest.data == nullptr; }, 8},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    EXPECT_EQ(c.copy(false), ASN_E_INVPARAM);
+    EXPECT_TRUE(c.destUntouched());
+    scoped.alloc.failAt = scoped.alloc.calls + 1;
+    EXPECT_EQ(c.copy(true), ASN_E_NOMEM);
+    scoped.alloc.failAt = -1;
+    EXPECT_TRUE(c.destUntouched());
+    EXPECT_EQ(c.copy(true), 0);
+    EXPECT_EQ(scoped.alloc.lastSize, c.blockSize + ASN1_MEMBLOCK_HEADER);
+  }
+  EXPECT_EQ(rttest::Hex(openDest.data, openDest.numocts), "01 02 03 04 05");
+  EXPECT_EQ(rttest::Hex(bitsDest.data, 3), "01 02 03");
+  EXPECT_EQ(bitsDest.numbits, 17u);
+  EXPECT_EQ(s16Dest.nchars, 3u);
+  EXPECT_EQ(s16Dest.data[2], 0x43);
+  EXPECT_EQ(s32Dest.nchars, 2u);
+  EXPECT_EQ(s32Dest.data[0], 0x1F600u);
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cstdlib>
 #include <functional>
 #include <string>
 #include <vector>
@@ -185,7 +186,7 @@ TEST(RtDecode, Integers) {
       {"-128", "02 01 80", Integer(), 0, "-128", 3},
       {"-129", "02 02 FF 7F", Integer(), 0, "-129", 4},
       {"INT_MIN", "02 04 80 00 00 00", Integer(), 0, "-2147483648", 6},
-      {"non-minimal accepted", "02 02 00 01", Integer(), 0, "1", 4},
+      {"non-minimal", "02 02 00 01", Integer(), ASN_E_IDNOTFOU, "", 2},
       {"five octets", "02 05 00 00 00 00 01", Integer(), ASN_E_TOOBIG, "", -1},
       {"empty", "02 00", Integer(), ASN_E_INVLEN, "", -1},
       {"wrong tag", "04 01 00", Integer(), ASN_E_IDNOTFOU, "", 0},
@@ -228,6 +229,69 @@ TEST(RtDecode, BooleanNullBigInt) {
       {"bigint 2^64", "02 09 01 00 00 00 00 00 00 00 00", BigInt(), 0, "0x10000000000000000", 11},
       {"bigint empty", "02 00", BigInt(), ASN_E_INVLEN, "", -1},
   });
+}
+
+// X.690 8.3.2 holds for BER too: a redundant leading 00 or FF octet is
+// refused with -3 by every integer decoder, after the size rule (-33) and the
+// end of the data (-2); the cursor stays on the contents.
+TEST(RtDecode, IntegersMustBeMinimal) {
+  RunDecodeCases({
+      {"00 before a clear bit", "02 02 00 7F", Integer(), ASN_E_IDNOTFOU, "", 2},
+      {"FF before a set bit", "02 02 FF 80", Integer(), ASN_E_IDNOTFOU, "", 2},
+      {"two redundant octets", "02 03 00 00 80", Integer(), ASN_E_IDNOTFOU, "", 2},
+      {"four octets for 1", "02 04 00 00 00 01", Integer(), ASN_E_IDNOTFOU, "", 2},
+      {"-1 in two octets", "02 02 FF FF", Integer(), ASN_E_IDNOTFOU, "", 2},
+      {"zero in two octets", "02 02 00 00", Integer(), ASN_E_IDNOTFOU, "", 2},
+      {"sign octet needed", "02 02 00 80", Integer(), 0, "128", 4},
+      {"sign octet needed, negative", "02 02 FF 7F", Integer(), 0, "-129", 4},
+      {"too long before non-minimal", "02 05 00 00 00 00 01", Integer(), ASN_E_TOOBIG, "", -1},
+      {"past data before non-minimal", "02 03 00 01", Integer(), ASN_E_ENDOFBUF, "", -1,
+       ASN1NOLENCHECK},
+      {"implicit", "00 7F", Integer(ASN1IMPL, 2), ASN_E_IDNOTFOU, "", 0},
+      {"enum", "0A 02 00 03", Enum(), ASN_E_IDNOTFOU, "", 2},
+      {"enum negative", "0A 02 FF FF", Enum(), ASN_E_IDNOTFOU, "", 2},
+      {"int64", "02 09 00 00 00 00 00 00 00 00 01", Int64(), ASN_E_TOOBIG, "", -1},
+      {"int64 eight octets", "02 08 00 00 00 00 00 00 00 01", Int64(), ASN_E_IDNOTFOU, "", 2},
+      {"uint16", "02 02 00 05", Uint16(), ASN_E_IDNOTFOU, "", 2},
+      {"uint16 sign octet", "02 03 00 80 00", Uint16(), 0, "32768", 5},
+      {"unsigned", "02 02 00 7F", Unsigned(), ASN_E_IDNOTFOU, "", 2},
+      {"unsigned five octets", "02 05 00 00 00 00 01", Unsigned(), ASN_E_IDNOTFOU, "", 2},
+      {"unsigned sign octet", "02 05 00 80 00 00 00", Unsigned(), 0, "2147483648", 7},
+      {"bigint", "02 02 00 01", BigInt(), ASN_E_IDNOTFOU, "", 2},
+      {"bigint negative", "02 03 FF FF 80", BigInt(), ASN_E_IDNOTFOU, "", 2},
+      {"bigint long", "02 0A 00 00 00 00 00 00 00 00 00 01", BigInt(), ASN_E_IDNOTFOU, "", 2},
+      {"bigint sign octet", "02 0A 00 80 00 00 00 00 00 00 00 00", BigInt(), 0,
+       "0x800000000000000000", 12},
+  });
+}
+
+// xd_bigint writes lowercase hexadecimal with a "0x" prefix ("-0x" when
+// negative; zero is "0"): xe_bigint reads it back to the same contents, and a
+// base-16 strtoul parses the text of a small value.
+TEST(RtDecode, BigIntTextIsHexThatEncodesBack) {
+  const char* const kInputs[] = {
+      "02 01 00", "02 01 05", "02 01 7F", "02 02 00 80", "02 01 80", "02 02 FF 7F",
+      "02 02 7F FF", "02 09 01 00 00 00 00 00 00 00 00", "02 08 80 00 00 00 00 00 00 00",
+  };
+  for (const char* input : kInputs) {
+    SCOPED_TRACE(input);
+    Decoder d(input);
+    const char* text = nullptr;
+    ASSERT_EQ(xd_bigint(d.get(), &text, ASN1EXPL, 0), 0);
+    ASSERT_NE(text, nullptr);
+    rttest::Context enc;
+    ASSERT_EQ(xe_setp(enc.get(), nullptr, 0), 0);
+    int n = xe_bigint(enc.get(), text, ASN1EXPL);
+    EXPECT_EQ(enc.Encoded(), Hex(Bytes(input))) << text;
+    EXPECT_EQ(n, static_cast<int>(Bytes(input).size()));
+  }
+  Decoder d("02 02 12 AB");
+  const char* text = nullptr;
+  ASSERT_EQ(xd_bigint(d.get(), &text, ASN1EXPL, 0), 0);
+  EXPECT_STREQ(text, "0x12ab");
+  char* end = nullptr;
+  EXPECT_EQ(std::strtoul(text, &end, 16), 0x12ABul);
+  EXPECT_EQ(*end, '\0');
 }
 
 TEST(RtDecode, ObjectIdentifiers) {
@@ -328,6 +392,10 @@ TEST(RtDecode, CharacterStrings) {
       {"BMP odd", "1E 03 00 41 26", bmp, ASN_E_INVLEN, "", -1},
       {"Universal", "1C 04 00 01 F6 00", ucs, 0, "128512;", 6},
       {"Universal partial unit", "1C 02 00 01", ucs, ASN_E_INVLEN, "", -1},
+      {"BMP empty", "1E 00", bmp, 0, "", 2},
+      {"BMP constructed", "3E 08 04 02 00 41 04 02 26 3A", bmp, 0, "65;9786;", 10},
+      {"BMP odd across segments", "3E 07 04 01 00 04 02 41 26", bmp, ASN_E_INVLEN, "", 2},
+      {"Universal constructed", "3C 80 04 02 00 01 04 02 F6 00 00 00", ucs, 0, "128512;", 12},
   });
 }
 
@@ -372,6 +440,14 @@ TEST(RtDecode, Tags) {
       {"above 0x1FFFFFFF", "1F 82 80 80 80 00", tag, ASN_E_BADTAG, "", -1},
       {"six groups", "1F 80 80 80 80 80 01", tag, ASN_E_BADTAG, "", -1},
       {"no groups", "1F", tag, ASN_E_ENDOFBUF, "", -1},
+      // X.690 8.1.2.2, 8.1.2.4.2 c: numbers below 31 take the one-octet form,
+      // and the first group is never 0x80 (a leading zero group).
+      {"long form of 0", "1F 00", tag, ASN_E_IDNOTFOU, "", 0},
+      {"long form of 30", "9F 1E", tag, ASN_E_IDNOTFOU, "", 0},
+      {"long form of 16 constructed", "3F 10", tag, ASN_E_IDNOTFOU, "", 0},
+      {"leading zero group", "1F 80 1F", tag, ASN_E_IDNOTFOU, "", 0},
+      {"leading zero group, larger", "5F 80 81 00", tag, ASN_E_IDNOTFOU, "", 0},
+      {"[APPLICATION 128]", "5F 81 00", tag, 0, "40000080", 3},
       {"unfinished groups", "1F 81", tag, ASN_E_ENDOFBUF, "", -1},
       {"empty", "", tag, ASN_E_ENDOFBUF, "", 0},
   });
@@ -448,8 +524,13 @@ TEST(RtDecode, Match1) {
   Decoder t("02");
   EXPECT_EQ(xd_match1(t.get(), 0x02, &len), ASN_E_ENDOFBUF);
   // Regression (fuzz_asn1rt_walk): a two-octet identifier 7F 00 was once read
-  // as tag 7F with length 00 on the fast path.
-  Decoder two("7F 00 80 00 00");
+  // as tag 7F with length 00 on the fast path. 7F 00 is now refused as a
+  // long form of tag number 0 (X.690 8.1.2.2); 7F 1F is the valid two-octet
+  // identifier of the same shape.
+  Decoder zero("7F 00 80 00 00");
+  EXPECT_EQ(xd_Tag1AndLen(zero.get(), &len), ASN_E_IDNOTFOU);
+  EXPECT_EQ(zero.get()->errInfo.status, ASN_E_IDNOTFOU);
+  Decoder two("7F 1F 80 00 00");
   EXPECT_EQ(xd_Tag1AndLen(two.get(), &len), 0);
   EXPECT_EQ(len, ASN_K_INDEFLEN);
   EXPECT_EQ(two.cursor(), 3u);
@@ -545,6 +626,47 @@ TEST(RtDecode, SetpMeasuresTheMessage) {
   ASN1CTXT raw{};
   std::vector<ASN1OCTET> m = Bytes("05 00");
   EXPECT_EQ(xd_setp(&raw, m.data(), 2, nullptr, nullptr), ASN_E_NOTINIT);
+}
+
+// Every reader of tag and length refuses a long-form identifier that is not
+// minimal with -3, recorded, and leaves the cursor where it was.
+TEST(RtDecode, LongFormTagsAreRefusedEverywhere) {
+  const ASN1TAG k5 = TM_CTXT | 5;
+  for (const char* input : {"9F 05 01 00", "9F 80 05 01 00"}) {
+    SCOPED_TRACE(input);
+    ASN1TAG tag = 0;
+    int len = 0;
+    {
+      Decoder d(input);
+      EXPECT_EQ(xd_tag_len(d.get(), &tag, &len, XM_ADVANCE), ASN_E_IDNOTFOU);
+      EXPECT_EQ(d.get()->errInfo.status, ASN_E_IDNOTFOU);
+      EXPECT_EQ(d.cursor(), 0u);
+    }
+    {
+      Decoder d(input);
+      EXPECT_EQ(xd_match(d.get(), k5, &len, XM_ADVANCE), ASN_E_IDNOTFOU);
+      EXPECT_EQ(d.cursor(), 0u);
+    }
+    {
+      Decoder d(input);
+      EXPECT_EQ(xd_match1(d.get(), 0x9F, &len), ASN_E_IDNOTFOU);  // a high-number octet
+      EXPECT_EQ(d.cursor(), 0u);
+    }
+    {
+      Decoder d("");
+      std::vector<ASN1OCTET> m = Bytes(input);
+      EXPECT_EQ(xd_setp(d.get(), m.data(), static_cast<int>(m.size()), &tag, &len),
+                ASN_E_IDNOTFOU);
+    }
+  }
+  // The minimal forms of the same shape are read.
+  Decoder d("9F 1F 01 00");
+  ASN1TAG tag = 0;
+  int len = 0;
+  EXPECT_EQ(xd_tag_len(d.get(), &tag, &len, XM_ADVANCE), 0);
+  EXPECT_EQ(tag, TM_CTXT | 31u);
+  EXPECT_EQ(len, 1);
+  EXPECT_EQ(d.cursor(), 3u);
 }
 
 // ---- Open types --------------------------------------------------------------

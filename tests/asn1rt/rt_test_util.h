@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include "../common/hex_bytes.h"
+
 #include <cstdlib>
 #include <cstring>
 #include <set>
@@ -16,41 +18,10 @@
 namespace rttest {
 
 // "02 01 05" -> {2, 1, 5}; spaces are ignored.
-inline std::vector<ASN1OCTET> Bytes(const std::string& hex) {
-  std::vector<ASN1OCTET> out;
-  int high = -1;
-  for (char c : hex) {
-    int v;
-    if (c >= '0' && c <= '9') {
-      v = c - '0';
-    } else if (c >= 'A' && c <= 'F') {
-      v = c - 'A' + 10;
-    } else if (c >= 'a' && c <= 'f') {
-      v = c - 'a' + 10;
-    } else {
-      continue;
-    }
-    if (high < 0) {
-      high = v;
-    } else {
-      out.push_back(static_cast<ASN1OCTET>(high * 16 + v));
-      high = -1;
-    }
-  }
-  return out;
-}
+inline std::vector<ASN1OCTET> Bytes(const std::string& hex) { return korvextest::HexToBytes(hex); }
 
 // Bytes as "02 01 05".
-inline std::string Hex(const ASN1OCTET* p, size_t n) {
-  static const char kDigits[] = "0123456789ABCDEF";
-  std::string out;
-  for (size_t i = 0; i < n; ++i) {
-    if (i) out.push_back(' ');
-    out.push_back(kDigits[p[i] >> 4]);
-    out.push_back(kDigits[p[i] & 15]);
-  }
-  return out;
-}
+inline std::string Hex(const ASN1OCTET* p, size_t n) { return korvextest::BytesToHex(p, n); }
 
 inline std::string Hex(const std::vector<ASN1OCTET>& v) { return Hex(v.data(), v.size()); }
 

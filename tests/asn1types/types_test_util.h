@@ -11,32 +11,16 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <vector>
+
+#include "../common/hex_bytes.h"
 
 namespace typestest {
 
 // "02 01 05" -> blob {2, 1, 5}; anything but hex digits is ignored.
 inline Korvex::CBlob Blob(std::string const& hex) {
-  std::string bytes;
-  int high = -1;
-  for (char c : hex) {
-    int v;
-    if (c >= '0' && c <= '9') {
-      v = c - '0';
-    } else if (c >= 'A' && c <= 'F') {
-      v = c - 'A' + 10;
-    } else if (c >= 'a' && c <= 'f') {
-      v = c - 'a' + 10;
-    } else {
-      continue;
-    }
-    if (high < 0) {
-      high = v;
-    } else {
-      bytes.push_back(static_cast<char>(high * 16 + v));
-      high = -1;
-    }
-  }
-  return Korvex::CBlob(reinterpret_cast<unsigned char const*>(bytes.data()), bytes.size());
+  std::vector<unsigned char> bytes = korvextest::HexToBytes(hex);
+  return Korvex::CBlob(bytes.data(), bytes.size());
 }
 
 // Blob bytes as "02 01 05".

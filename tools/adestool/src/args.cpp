@@ -46,6 +46,14 @@ const std::vector<std::string>& ParsedArgs::Values(std::string_view name) const 
 ParsedArgs ParseArgs(const std::vector<std::string>& args, const std::vector<OptionSpec>& specs,
                      std::string_view command) {
   ParsedArgs parsed;
+  // Help wins over everything else on the line, errors included.
+  for (const std::string& arg : args) {
+    if (arg == "--") break;
+    if (arg == "--help" || arg == "-h") {
+      parsed.helpRequested_ = true;
+      return parsed;
+    }
+  }
   auto record = [&](const OptionSpec& spec, const std::string& shown, std::string value) {
     std::vector<std::string>& values = parsed.options_[std::string(spec.name)];
     if (!values.empty() && !spec.repeatable) {
@@ -59,10 +67,6 @@ ParsedArgs ParseArgs(const std::vector<std::string>& args, const std::vector<Opt
     if (arg == "--") {
       parsed.positionals_.insert(parsed.positionals_.end(), args.begin() + i + 1, args.end());
       break;
-    }
-    if (arg == "--help" || arg == "-h") {
-      parsed.helpRequested_ = true;
-      return parsed;
     }
     if (arg.size() < 2 || arg[0] != '-') {
       parsed.positionals_.push_back(arg);

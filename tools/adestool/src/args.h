@@ -9,7 +9,7 @@
 //   -f                   a one-letter flag
 //   --                   every later argument is positional
 //   -                    a positional argument (standard input)
-// --help and -h stop the parse wherever they stand and ask for help.
+// --help or -h anywhere before "--" asks for help, whatever else is there.
 #ifndef ADESTOOL_ARGS_H
 #define ADESTOOL_ARGS_H
 

@@ -15,6 +15,14 @@ namespace {
 constexpr size_t kHexPreviewBytes = 64;
 constexpr size_t kTextPreviewBytes = 256;
 
+// "1 byte", "2 bytes".
+std::string Bytes(size_t n) { return std::to_string(n) + (n == 1 ? " byte" : " bytes"); }
+
+// "1 unused bit", "5 unused bits".
+std::string UnusedBits(unsigned n) {
+  return std::to_string(n) + (n == 1 ? " unused bit" : " unused bits");
+}
+
 bool IsPadding(uint8_t c) {
   return c == 0 || c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f' || c == '\v';
 }
@@ -80,8 +88,7 @@ class TreeWalker {
         while (nonPadding < size_ && IsPadding(data_[nonPadding])) ++nonPadding;
         if (nonPadding == size_) {
           LineStart(out, pos, 0, 0);
-          *out += "<trailing padding: " + std::to_string(size_ - pos) +
-                  " bytes of zeros or whitespace>\n";
+          *out += "<trailing padding: " + Bytes(size_ - pos) + " of zeros or whitespace>\n";
           return true;
         }
       }
@@ -182,17 +189,17 @@ class TreeWalker {
     *out += tag + " (" + std::to_string(h.length) + ")";
     const size_t available = limit - contents;
     if (h.length > available) {
-      *out += " <truncated: " + std::to_string(available) + " of " + std::to_string(h.length) +
-              " bytes>\n";
+      *out += " <truncated: " + std::to_string(available) + " of " + Bytes(h.length) + ">\n";
       if (limit == size_) {
         Fail(failure, offset,
              TagName(h.tag) + " truncated: " + std::to_string(available) + " of " +
-                 std::to_string(h.length) + " content bytes present");
+                 std::to_string(h.length) + (h.length == 1 ? " content byte" : " content bytes") +
+                 " present");
       } else {
         Fail(failure, offset,
              TagName(h.tag) + " of " + std::to_string(h.length) +
-                 " content bytes runs past the end of its enclosing element (" +
-                 std::to_string(available) + " bytes left)");
+                 (h.length == 1 ? " content byte" : " content bytes") +
+                 " runs past the end of its enclosing element (" + Bytes(available) + " left)");
       }
       if (h.constructed()) {
         // Show the children that are there; the cut one reports itself.
@@ -246,7 +253,7 @@ class TreeWalker {
       case ASN_ID_BOOL: {
         bool value = false;
         if (reader_.Boolean(contents, n, &value) != ASN_OK) {
-          return "<invalid: " + std::to_string(n) + " content bytes> " +
+          return "<invalid: " + Bytes(n) + " of contents> " +
                  HexPreview(p, n, kHexPreviewBytes);
         }
         if (p[0] == 0x00) return "FALSE";
@@ -259,7 +266,7 @@ class TreeWalker {
         if (n == 0) return "<invalid: no unused-bits octet>";
         const unsigned unused = p[0];
         if (unused > 7 || (n == 1 && unused != 0)) {
-          return "<invalid: " + std::to_string(unused) + " unused bits> " +
+          return "<invalid: " + UnusedBits(unused) + "> " +
                  HexPreview(p, n, kHexPreviewBytes);
         }
         if (n == 1) return "(empty)";
@@ -268,7 +275,7 @@ class TreeWalker {
           if (!nested->empty()) return "encapsulates";
         }
         std::string text = HexPreview(p + 1, n - 1, kHexPreviewBytes);
-        if (unused) text += ", " + std::to_string(unused) + " unused bits";
+        if (unused) text += ", " + UnusedBits(unused);
         return text;
       }
       case ASN_ID_OCTSTR: {
@@ -279,7 +286,7 @@ class TreeWalker {
       }
       case ASN_ID_NULL:
         return n == 0 ? std::string()
-                      : "<invalid: " + std::to_string(n) + " content bytes> " +
+                      : "<invalid: " + Bytes(n) + " of contents> " +
                             HexPreview(p, n, kHexPreviewBytes);
       case ASN_ID_OBJID: {
         ASN1OBJID oid;
@@ -302,7 +309,7 @@ class TreeWalker {
         int stat = number == ASN_ID_BMPString ? reader_.Bmp(contents, n, &chars)
                                               : reader_.Universal(contents, n, &chars);
         if (stat != ASN_OK) {
-          return "<invalid: " + std::to_string(n) + " content bytes> " +
+          return "<invalid: " + Bytes(n) + " of contents> " +
                  HexPreview(p, n, kHexPreviewBytes);
         }
         return QuoteCodePoints(chars, kTextPreviewBytes);

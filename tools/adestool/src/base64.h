@@ -11,7 +11,8 @@
 namespace adestool {
 
 struct Base64Error {
-  size_t offset = 0;  // offset in the text of the character at fault
+  size_t offset = 0;  // offset of the character at fault; the text's size when
+                      // the text ends too early
   std::string what;   // "invalid base64 character '!'"
 };
 

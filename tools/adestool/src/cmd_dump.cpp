@@ -37,8 +37,11 @@ const Command kDumpCommand = {
     "length of its header, the tag and the contents length, then the decoded\n"
     "value of a primitive. OCTET STRING and BIT STRING contents that hold one\n"
     "complete element are shown decoded below them. A PEM file with several\n"
-    "blocks is shown block by block. Malformed input is shown up to the fault,\n"
-    "which is named with its offset; the exit status is then 2.",
+    "blocks is shown block by block.\n"
+    "\n"
+    "Exit status: 0 when the input is well-formed; 2 for usage and input\n"
+    "errors, and for malformed input, which is shown up to the fault and\n"
+    "named with its offset on standard error.",
     {
         {"asn1", 0, false, "", "indented ASN.1 tree (the default)", true},
         {"hex", 0, false, "", "hex dump: eight bytes a line, then the bytes as text", true},

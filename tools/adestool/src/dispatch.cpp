@@ -57,7 +57,6 @@ std::string CommandHelp(const Command& c) {
   for (const OptionSpec& o : c.options) text += Row(OptionUsage(o), o.help, 28);
   for (const OptionSpec& o : CommonOptions()) text += Row(OptionUsage(o), o.help, 28);
   text += Row(kHelpOption, "show this help", 28);
-  text += "\nExit status: 0 success, 1 a check failed, 2 usage or input error.\n";
   return text;
 }
 

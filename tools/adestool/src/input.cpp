@@ -151,8 +151,8 @@ Input DecodeInput(const std::string& name, const std::vector<uint8_t>& bytes) {
   InputItem item;
   Base64Error b64;
   if (!DecodeBase64(text, &item.bytes, &b64)) {
-    throw FileError(name, "not DER, PEM or base64: " + b64.what + " at " +
-                              LineColumn(text, b64.offset));
+    std::string where = b64.offset < text.size() ? " at " + LineColumn(text, b64.offset) : "";
+    throw FileError(name, "not DER, PEM or base64: " + b64.what + where);
   }
   input.items.push_back(std::move(item));
   return input;

@@ -114,14 +114,14 @@ JsonWriter& JsonWriter::Key(std::string_view key) {
 JsonWriter& JsonWriter::BeginObject() {
   BeforeValue();
   text_.push_back('{');
-  stack_.push_back(Level{true});
+  stack_.emplace_back(true);
   return *this;
 }
 
 JsonWriter& JsonWriter::BeginArray() {
   BeforeValue();
   text_.push_back('[');
-  stack_.push_back(Level{false});
+  stack_.emplace_back(false);
   return *this;
 }
 

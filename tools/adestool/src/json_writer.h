@@ -47,6 +47,7 @@ class JsonWriter {
 
  private:
   struct Level {
+    explicit Level(bool object) : isObject(object) {}
     bool isObject;
     size_t count = 0;
     bool keyPending = false;

@@ -109,8 +109,11 @@ bool ParsePem(std::string_view text, std::vector<PemBlock>* blocks, std::string*
     block.beginLine = lines[i].number;
     Base64Error b64;
     if (!DecodeBase64(body, &block.der, &b64)) {
-      // Find the body line holding the offset; the end of data maps to the
-      // END line.
+      if (b64.offset >= body.size()) {
+        *error = where + ": " + b64.what;
+        return false;
+      }
+      // The body line holding the offset.
       size_t lineNumber = lines[j].number;
       size_t column = 1;
       for (auto it = bodyLines.rbegin(); it != bodyLines.rend(); ++it) {

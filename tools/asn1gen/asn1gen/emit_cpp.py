@@ -529,7 +529,12 @@ class Emitter:
         for si in self.mod.objsets.values():
             if si.mod is not self.mod:
                 continue
-            objs = [("&" + self.mod.qual(oi.mod, oi.cname)) for oi in si.objects]
+            # Sorted by key (arc by arc, then shorter first), the order in which
+            # ObjectSet::lookup searches; an object without a key is never found.
+            keyed = sorted((oi for oi in si.objects if oi.key is not None),
+                           key=lambda oi: tuple(oi.key) if si.cls.key_kind == "oid"
+                           else oi.key)
+            objs = [("&" + self.mod.qual(oi.mod, oi.cname)) for oi in keyed]
             arr = "nullptr"
             if objs:
                 arr = f"kObjects_{si.cname}"

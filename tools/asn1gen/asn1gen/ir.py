@@ -9,7 +9,7 @@ CLASS_BITS = {"UNIVERSAL": 0x00000000, "APPLICATION": 0x40000000, "CONTEXT": 0x8
 CONSTRUCTED_KINDS = {"kSequence", "kSet", "kSequenceOf", "kSetOf"}
 PRIMITIVE_KINDS = {"kBoolean", "kInteger", "kEnumerated", "kBigInteger", "kNull", "kBitString",
                    "kOctetString", "kObjectId", "kCharString", "kBMPString",
-                   "kUniversalString", "kOpenType", "kTableOpenType"}
+                   "kUniversalString", "kOpenType", "kTableOpenType", "kTableOctetString"}
 
 
 class Limits:

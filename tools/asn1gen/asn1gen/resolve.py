@@ -39,14 +39,15 @@ FIELD_CTYPE = {
     "kObjectId": "ASN1OBJID", "kCharString": "const char*",
     "kBMPString": "Asn116BitCharString", "kUniversalString": "Asn132BitCharString",
     "kOpenType": "ASN1OpenType", "kTableOpenType": "Asn1Object",
+    "kTableOctetString": "Asn1Object",
 }
 # ASN1TObjId is the runtime's C++ form of ASN1OBJID (same layout).
 ALIAS_CTYPE = {
-    "kNull": "Asn1NullValue", "kBitString": "ASN1DynBitStr", "kOctetString": "ASN1DynOctStr",
-    "kObjectId": "ASN1TObjId", "kOpenType": "ASN1OpenType",
+    "kNull": "Asn1NullValue", "kBitString": "ASN1TDynBitStr", "kOctetString": "ASN1TDynOctStr",
+    "kObjectId": "ASN1TObjId", "kOpenType": "ASN1TOpenType",
 }
 BY_POINTER = {"kBitString", "kOctetString", "kObjectId", "kBMPString", "kUniversalString",
-              "kOpenType", "kTableOpenType"}
+              "kOpenType", "kTableOpenType", "kTableOctetString"}
 SIZED_KINDS = {"kBitString", "kOctetString", "kCharString", "kBMPString", "kUniversalString",
                "kSequenceOf", "kSetOf"}
 
@@ -303,6 +304,11 @@ class ModInfo:
         # uses them.
 
     def cname_value(self, a):
+        # A value reference begins with a lower-case letter (X.680 12.4), so a
+        # C++ name that must begin with a capital comes from a 'name' directive.
+        d = self.dirs.find("name", a.name)
+        if d:
+            return d.args[1]
         c = cident(a.name)
         return c + "_" if c in CPP_KEYWORDS else c
 
@@ -546,6 +552,9 @@ class ModInfo:
                 ti.desc.flags.append("kNamedBits")
             return ti
         if k == "OCTET STRING":
+            contained = self.contained_table(ty, ctx)
+            if contained is not None:
+                return contained
             lim = self.limits_of(ty.constraints, "size")
             ti = self.prim("kOctetString", 4, "ASN1DynOctStr", True,
                            engine=None if lim else "kDescOctetString")
@@ -581,6 +590,24 @@ class ModInfo:
         if k == "FIELD":
             return self.class_field(ty, ctx)
         self.err(ty, f"type '{k}' is not supported")
+
+    def contained_table(self, ty, ctx):
+        """OCTET STRING (CONTAINING CLASS.&Type({Set}{@key})) (X.682 11): the octets
+        hold the DER of the type the object of the key names. Such a string is
+        realised like a table-constrained open type (Asn1Object: the contents, and
+        the typed value decoded from them); None for other OCTET STRINGs."""
+        c = next((c for c in ty.constraints if c.kind == "containing"), None)
+        if c is None or c.type.kind != "FIELD":
+            return None
+        if not any(t.kind == "table" and t.at_path for t in c.type.constraints):
+            return None
+        fti = self.class_field(c.type, ctx)
+        if fti.table is None:
+            return None
+        ti = self.prim("kTableOctetString", 4, "Asn1Object", True,
+                       engine="kDescTableOctetString")
+        ti.table = fti.table
+        return ti
 
     def named_numbers(self, ty, ctx, bits=False):
         named = {}
@@ -828,7 +855,10 @@ class ModInfo:
             cty = c.type
             path = f"{base_path}.{c.name}"
             prefix = f"{td.cname}_{cident(c.name)}"
-            ti = self.adopt(cmod.analyze_type(cty, Ctx(path, prefix)), cmod)
+            if cmod is self and self.sized_octets(cty):
+                ti = self.component_record(cty, Ctx(path, prefix))
+            else:
+                ti = self.adopt(cmod.analyze_type(cty, Ctx(path, prefix)), cmod)
             self.note_type(ti)
             if cmod is not self:
                 self.use(cmod)
@@ -926,6 +956,29 @@ class ModInfo:
         ti = TI(d, td.record, True, td)
         ti.typedef_mod = self
         ti.named_ref = True
+        return ti
+
+    def sized_octets(self, ty):
+        """A component written as a size-constrained OCTET STRING (not a reference
+        and not a contents constraint) gets a record of its own, <Type>_<field>."""
+        return ty.kind == "OCTET STRING" and self.limits_of(ty.constraints, "size") and \
+            not any(c.kind == "containing" for c in ty.constraints)
+
+    def component_record(self, ty, ctx):
+        """The typedef record ASN1T_<ctx.prefix> of a component's inline type, and a
+        reference to it carrying the component's tags."""
+        untagged = Type(ty.kind)
+        untagged.__dict__.update(ty.__dict__)
+        untagged.tags = []
+        td = self.new_typedef(ctx.prefix, "alias", ty)
+        td.asn1_name = ctx.path
+        self.finish_typedef(td, self.analyze_type(untagged, Ctx(ctx.path, td.cname, top=td)),
+                            untagged)
+        ti = TI(td.desc, td.record, True, td)
+        ti.typedef_mod = self
+        ti.named_ref = True
+        if ty.tags:
+            ti.tags = self.resolve_tags(ty.tags, td.desc)
         return ti
 
     def set_default(self, m, cmod, ti, c):

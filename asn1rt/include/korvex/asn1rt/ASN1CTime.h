@@ -136,19 +136,23 @@ class KORVEX_API ASN1CTime : public ASN1CType {
  private:
   int refresh();
   int field(int ASN1TimeFields::*member, unsigned int mask);
+  // setField / setZone: the setters' common step, one field (with its bit
+  // of mSetMask) or the zone changed and committed.
+  int setField(int ASN1TimeFields::*member, int value, unsigned int setBit);
+  int setZone(ASN1TimeFields::Zone zone, int offsetMinutes);
   int commit(ASN1TimeFields const& fields, unsigned int setMask);
   int checkPartial(ASN1TimeFields const& fields, unsigned int setMask) const;
   int format(char* out);
 
   bool mUTCTime;
   bool mDer;
-  const char* mOwnText;    // the bound slot when none is given
-  const char** mpText;     // the bound text pointer
-  const char* mpReadText;  // the text the fields were read from (or written to)
-  char* mpWrittenText;     // the heap text this object wrote last
-  void* mpWrittenHeap;     // the heap it was taken from
+  const char* mOwnText = nullptr;      // the bound slot when none is given
+  const char** mpText;                 // the bound text pointer
+  const char* mpReadText = nullptr;    // the text the fields were read from (or written to)
+  char* mpWrittenText = nullptr;       // the heap text this object wrote last
+  void* mpWrittenHeap = nullptr;       // the heap it was taken from
   ASN1TimeFields mFields;
-  unsigned int mSetMask;  // which of year, month, day are set
+  unsigned int mSetMask = 0;  // which of year, month, day are set
 };
 
 // ASN1CUTCTime: a UTCTime. Constructors: bound to `text` and sharing the

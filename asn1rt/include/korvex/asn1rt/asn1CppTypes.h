@@ -11,6 +11,7 @@
 
 #include <cstddef>
 
+#include <korvex/asn1rt/ASN1TValueTypes.h>
 #include <korvex/asn1rt/asn1ber.h>
 #include <korvex/asn1rt/asn1type.h>
 

@@ -149,7 +149,10 @@ KORVEX_API int xd_setp(ASN1CTXT* ctxt, const ASN1OCTET* buffer, int size, ASN1TA
                        int* length);
 
 /* xd_tag: reads one identifier (X.690 8.1.2). -2 at the end of the data, -21
- * for a number above 0x1FFFFFFF or more than five base-128 groups. */
+ * for a number above 0x1FFFFFFF or more than five base-128 groups, -3 for a
+ * high-number form that is not minimal: a number below 31 (X.690 8.1.2.2) or a
+ * first group 0x80 (8.1.2.4.2 c). Every reader of identifiers below (tag and
+ * length, matching, skipping, xd_setp) applies the same rules. */
 KORVEX_API int xd_tag(ASN1CTXT* ctxt, ASN1TAG* tag);
 
 /* xd_len: reads one length. -9999 for indefinite; -5 for more than 4 length
@@ -216,18 +219,31 @@ KORVEX_API int xd_memcpy(ASN1CTXT* ctxt, ASN1OCTET* dest, int n);
 
 /* Primitive decoders: (ctxt, target..., tagging, length). Under ASN1EXPL the
  * universal tag is matched first (-3 on mismatch) and the length read; under
- * ASN1IMPL length is the contents length the caller already read. */
+ * ASN1IMPL length is the contents length the caller already read.
+ *
+ * The integer decoders (xd_integer, xd_enum, xd_int64, xd_uint16,
+ * xd_unsigned, xd_bigint) check in this order: empty contents -5, more octets
+ * than the target holds -33, contents past the data -2, then contents that are
+ * not minimal -3 (a leading 00 before a clear top bit or FF before a set one,
+ * X.690 8.3.2, which binds BER too); the cursor stays on the contents. */
 KORVEX_API int xd_boolean(ASN1CTXT* ctxt, ASN1BOOL* value, ASN1TagType tagging, int length);
 KORVEX_API int xd_integer(ASN1CTXT* ctxt, ASN1INT* value, ASN1TagType tagging, int length);
 KORVEX_API int xd_unsigned(ASN1CTXT* ctxt, ASN1UINT* value, ASN1TagType tagging, int length);
 KORVEX_API int xd_uint16(ASN1CTXT* ctxt, ASN1USINT* value, ASN1TagType tagging, int length);
 KORVEX_API int xd_enum(ASN1CTXT* ctxt, ASN1INT* value, ASN1TagType tagging, int length);
-/* xd_int64: INTEGER into a signed 64-bit value; more than 8 octets gives -33. */
+/* xd_int64: INTEGER into a signed 64-bit value; more than 8 octets gives -33.
+ * xd_uint16 reads up to 4 octets and gives -33 for a value outside 0..65535;
+ * xd_unsigned up to 4 octets, or 5 behind a 00 sign octet, without sign
+ * extension (FF is 255). */
 KORVEX_API int xd_int64(ASN1CTXT* ctxt, ASN1INT64* value, ASN1TagType tagging, int length);
 
-/* xd_bigint: INTEGER contents as big-integer text in heap memory, in the
- * hexadecimal form of rtBigIntToText ("0x1f", "-0x80"; zero is "0"), which
- * xe_bigint reads back. -5 for empty contents. */
+/* xd_bigint: INTEGER contents of any size as NUL-terminated text in heap
+ * memory: hexadecimal, not decimal, as rtBigIntToText writes radix 16: "0x"
+ * and lowercase digits without leading zeros, "-0x" for a negative value, "0"
+ * for zero (02 02 00 80 gives "0x80", 02 01 80 gives "-0x80"). xe_bigint reads
+ * the text back to the same contents, and strtoul with base 16 reads the text
+ * of a value that fits. -5 for empty contents, -3 for contents that are not
+ * minimal, -12 when the text cannot be allocated. */
 KORVEX_API int xd_bigint(ASN1CTXT* ctxt, const char** text, ASN1TagType tagging, int length);
 
 /* xd_null: explicit: 05 00 (-3 for another tag, -5 for another length);

@@ -75,7 +75,11 @@ enum Kind : unsigned char {
   kSequenceOf,       // n + elem, or a list (kListForm)
   kSetOf,
   kTagged,  // a tag around inner (kExplicitTag) or replacing inner's tag
-  kAlias    // the same as inner (a type defined as another named type)
+  kAlias,   // the same as inner (a type defined as another named type)
+  // Asn1Object: an OCTET STRING whose contents are the DER of a
+  // table-constrained type (X.682 11, OCTET STRING (CONTAINING ...)); numocts
+  // and data are the contents, decoded the value decoded from them.
+  kTableOctetString
 };
 
 /* TypeDesc::flags */
@@ -183,8 +187,10 @@ struct KORVEX_API InfoObject {
   void free(ASN1CTXT* ctxt, void* value, unsigned field = 0) const;
 };
 
-/* An information object set: its objects in definition order and the kind of
- * their key. Lookups compare keys; null when no object has the key. */
+/* An information object set: its objects sorted by key (OBJECT IDENTIFIERs arc
+ * by arc, a prefix before its extensions; INTEGERs by value: the compiler sorts
+ * them) and the kind of their key. Lookups are binary searches; null when no
+ * object has the key. */
 struct KORVEX_API ObjectSet {
   const InfoObject* const* objects;
   unsigned count;
@@ -204,6 +210,7 @@ KORVEX_API extern const TypeDesc kDescOctetString;
 KORVEX_API extern const TypeDesc kDescObjectId;
 KORVEX_API extern const TypeDesc kDescOpenType;
 KORVEX_API extern const TypeDesc kDescTableOpenType;
+KORVEX_API extern const TypeDesc kDescTableOctetString;
 KORVEX_API extern const TypeDesc kDescUTF8String;
 KORVEX_API extern const TypeDesc kDescNumericString;
 KORVEX_API extern const TypeDesc kDescPrintableString;

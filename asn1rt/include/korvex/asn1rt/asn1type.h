@@ -414,37 +414,7 @@ KORVEX_API int rtCmpOID(const ASN1OBJID* a, const ASN1OBJID* b);
 
 KORVEX_END_C
 
-#ifdef __cplusplus
-/* C++ forms of the value records with zeroing constructors, as the generated
- * records embed them. Same layout as the C records they derive from. */
-struct ASN1TOpenType : public ASN1OpenType {
-  ASN1TOpenType() {
-    numocts = 0;
-    data = 0;
-  }
-};
-
-struct ASN1TDynOctStr : public ASN1DynOctStr {
-  ASN1TDynOctStr() {
-    numocts = 0;
-    data = 0;
-  }
-  ASN1TDynOctStr(ASN1UINT n, const ASN1OCTET* d) {
-    numocts = n;
-    data = d;
-  }
-};
-
-struct ASN1TDynBitStr : public ASN1DynBitStr {
-  ASN1TDynBitStr() {
-    numbits = 0;
-    data = 0;
-  }
-  ASN1TDynBitStr(ASN1UINT n, const ASN1OCTET* d) {
-    numbits = n;
-    data = d;
-  }
-};
-#endif
+/* The C++ forms of the value records (ASN1TDynOctStr, ASN1TDynBitStr,
+ * ASN1TOpenType) are in korvex/asn1rt/ASN1TValueTypes.h. */
 
 #endif

@@ -1,0 +1,214 @@
+// Round trips of real data through the catalogue: every file of tests/data by
+// its type, and every file of the real-world corpus (../shared/corpus, skipped
+// when absent) by the type its index gives. DER input comes back byte for byte;
+// BER input decodes and re-encodes to DER that decodes to an equal value; the
+// table-constrained open types of each decoded value hold their typed values;
+// the corpus's broken files fail as each is expected to.
+#include <gtest/gtest.h>
+#include <korvex/asn1gen/CryptographicMessageSyntax2004.h>
+#include <korvex/asn1gen/ETS_ElectronicSignaturePolicies_88syntax.h>
+#include <korvex/asn1gen/AttributeCertificateVersion1.h>
+#include <korvex/asn1gen/OCSP_2013_88.h>
+#include <korvex/asn1gen/PKCS_10.h>
+#include <korvex/asn1gen/PKIX1Explicit88.h>
+#include <korvex/asn1gen/PKIXAttributeCertificate_2008.h>
+#include <korvex/asn1gen/PKIXCMP.h>
+#include <korvex/asn1gen/PKIXCRMF_2005.h>
+#include <korvex/asn1gen/PKIXDVCS.h>
+#include <korvex/asn1gen/PKIXTSP.h>
+
+#include <cstring>
+#include <map>
+#include <set>
+#include <string>
+
+#include "catalogue_support.h"
+
+namespace {
+
+using Korvex::Asn1Engine::TypeDesc;
+using Korvex::Test::Bytes;
+using Korvex::Test::Outcome;
+
+bool EndsWith(const std::string& s, const char* suffix) {
+  size_t n = std::strlen(suffix);
+  return s.size() >= n && s.compare(s.size() - n, n, suffix) == 0;
+}
+bool StartsWith(const std::string& s, const char* prefix) { return s.rfind(prefix, 0) == 0; }
+
+std::string Describe(const Outcome& o) {
+  std::string s = "status " + std::to_string(o.status) + ", consumed " +
+                  std::to_string(o.consumed) + ", exact " + (o.exact ? "yes" : "no") +
+                  ", typed " + std::to_string(o.typed) + ", raw " + std::to_string(o.untyped);
+  if (!o.broken.empty()) s += ", broken: " + o.broken;
+  return s;
+}
+
+// ---- tests/data -------------------------------------------------------------------------
+
+// The top-level type of a fixture, by folder and name; null for files that are
+// not ASN.1 values (keys, configuration, the script, text, a raw signature).
+bool NotAsn1(const std::string& f) {
+  return StartsWith(f, "keys/") || StartsWith(f, "conf/") || StartsWith(f, "genconf/") ||
+         f == "README.md" || f == "make-fixtures.sh" || f == "cms/content.txt" ||
+         f == "cades/signed-attached.signature-value.bin";
+}
+
+const TypeDesc* FixtureType(const std::string& f) {
+  using namespace asn1data;
+  if (NotAsn1(f)) return nullptr;
+  if (EndsWith(f, ".tsq")) return &asn1Desc_TimeStampReq;
+  if (EndsWith(f, ".tsr")) return &asn1Desc_TimeStampResp;
+  if (EndsWith(f, "token.der") || StartsWith(f, "cms/") || EndsWith(f, "-signed.der")) {
+    return &asn1Desc_ContentInfo;
+  }
+  if (StartsWith(f, "pki/")) return &asn1Desc_Certificate;
+  if (StartsWith(f, "crl/")) return &asn1Desc_CertificateList;
+  if (StartsWith(f, "req/")) return &asn1Desc_CertificationRequest;
+  if (StartsWith(f, "cmp/")) return &asn1Desc_PKIMessage;
+  if (StartsWith(f, "ocsp/req-")) return &asn1Desc_OCSPRequest;
+  if (EndsWith(f, ".basic.der")) return &asn1Desc_BasicOCSPResponse;
+  if (StartsWith(f, "ocsp/resp-") || f == "asn1/ocsp-resp-unauthorized.der") {
+    return &asn1Desc_OCSPResponse;
+  }
+  if (StartsWith(f, "asn1/gost2012-")) return &asn1Desc_Certificate;
+  if (f == "asn1/attr-cert-v2.der") return &asn1Desc_PKIXAttributeCertificate;
+  if (f == "asn1/attr-cert-v1.der") return &asn1Desc_AttributeCertificateV1;
+  if (f == "asn1/dvcs-request.der") return &asn1Desc_DVCSRequest;
+  if (StartsWith(f, "asn1/dvcs-")) return &asn1Desc_DVCSResponse;
+  return nullptr;
+}
+
+TEST(CatalogueRoundTrip, EveryFixtureByItsType) {
+  const std::string dir = KORVEX_TEST_DATA_DIR;
+  const std::vector<std::string> files = Korvex::Test::ListFiles(dir);
+  ASSERT_GT(files.size(), 90u);
+  size_t checked = 0;
+  for (const std::string& f : files) {
+    SCOPED_TRACE(f);
+    const TypeDesc* desc = FixtureType(f);
+    if (!desc) {
+      EXPECT_TRUE(NotAsn1(f)) << "a fixture without a type: add it to FixtureType";
+      continue;
+    }
+    Bytes raw = Korvex::Test::ReadFile(dir + "/" + f);
+    std::vector<Bytes> inputs;
+    if (EndsWith(f, ".pem")) {
+      inputs = Korvex::Test::PemBlocks(std::string(raw.begin(), raw.end()));
+      ASSERT_FALSE(inputs.empty());
+    } else {
+      inputs.push_back(raw);
+    }
+    for (const Bytes& in : inputs) {
+      Outcome o = Korvex::Test::RoundTrip(desc, in);
+      EXPECT_EQ(o.status, 0) << Describe(o);
+      EXPECT_EQ(o.broken, "") << Describe(o);
+      EXPECT_EQ(o.consumed, in.size()) << Describe(o);
+      // The one streamed (BER) fixture re-encodes to DER; all others are DER.
+      EXPECT_EQ(o.exact, !EndsWith(f, ".ber")) << Describe(o);
+      ++checked;
+    }
+  }
+  EXPECT_GT(checked, 90u);
+}
+
+// ---- the real-world corpus ----------------------------------------------------------------
+
+// The top-level type of a corpus entry from the index's description.
+const TypeDesc* CorpusType(const Korvex::Test::IndexEntry& e) {
+  using namespace asn1data;
+  const std::string& w = e.what;
+  if (StartsWith(w, "ContentInfo") || StartsWith(w, "TimeStampToken")) return &asn1Desc_ContentInfo;
+  if (StartsWith(w, "X.509 Certificate")) return &asn1Desc_Certificate;
+  if (StartsWith(w, "X.509 CRL")) return &asn1Desc_CertificateList;
+  if (StartsWith(w, "OCSPResponse")) return &asn1Desc_OCSPResponse;
+  if (StartsWith(w, "OCSPRequest")) return &asn1Desc_OCSPRequest;
+  if (StartsWith(w, "TimeStampReq")) return &asn1Desc_TimeStampReq;
+  if (StartsWith(w, "TimeStampResp")) return &asn1Desc_TimeStampResp;
+  if (StartsWith(w, "PKCS#10")) return &asn1Desc_CertificationRequest;
+  if (StartsWith(w, "CMP PKIMessage") || StartsWith(w, "SEQUENCE (unrecognised)") ||
+      StartsWith(w, "PKIStatusInfo-only")) {
+    return &asn1Desc_PKIMessage;  // the bc-test-data CMP files, broken ones included
+  }
+  if (StartsWith(w, "CRMF CertReqMessages")) return &asn1Desc_CertReqMessages;
+  if (StartsWith(w, "AttributeCertificate")) return &asn1Desc_PKIXAttributeCertificate;
+  if (StartsWith(w, "SignaturePolicy")) return &::asn1Desc_SignaturePolicy;
+  if (StartsWith(w, "not-a-SEQUENCE")) return &asn1Desc_SignedAttributes;  // bare SET OF Attribute
+  return nullptr;
+}
+
+enum class Expect {
+  kDer,     // decodes and re-encodes to the same bytes
+  kBer,     // BER: decodes, re-encodes to canonical DER of the same value
+  kNotDer,  // definite lengths, but not the DER of its value (the reason says why)
+  kFails,   // does not decode: status below
+  kNoType   // nothing of the catalogue describes it
+};
+
+struct CorpusCase {
+  Expect expect;
+  int status;  // kFails
+  const char* why;
+};
+
+// Every file whose outcome is not what its index row implies (DER, or BER where
+// the notes say so), with the reason.
+const std::map<std::string, CorpusCase>& CorpusExceptions() {
+  static const std::map<std::string, CorpusCase> kCases = {
+      {"bc-test-data/tsp__BIN_ER.ers", {Expect::kNoType, 0, "RFC 4998 EvidenceRecord"}},
+  };
+  return kCases;
+}
+
+TEST(CatalogueRoundTrip, EveryCorpusFileByItsIndex) {
+  const std::string dir = KORVEX_CORPUS_DIR;
+  if (!Korvex::Test::DirectoryExists(dir)) GTEST_SKIP() << "no corpus at " << dir;
+  const std::vector<Korvex::Test::IndexEntry> index = Korvex::Test::ReadIndex(dir + "/INDEX.md");
+  ASSERT_GT(index.size(), 200u);
+  std::set<std::string> indexed;
+  const auto& exceptions = CorpusExceptions();
+  for (const Korvex::Test::IndexEntry& e : index) {
+    SCOPED_TRACE(e.path + " (" + e.what + ")");
+    indexed.insert(e.path);
+    auto ex = exceptions.find(e.path);
+    CorpusCase c{e.notes.find("BER (") != std::string::npos ? Expect::kBer : Expect::kDer, 0, ""};
+    if (ex != exceptions.end()) c = ex->second;
+    const TypeDesc* desc = CorpusType(e);
+    if (c.expect == Expect::kNoType) {
+      EXPECT_EQ(desc, nullptr);
+      continue;
+    }
+    ASSERT_NE(desc, nullptr) << "no catalogue type for this entry";
+    Bytes in = Korvex::Test::LoadEntry(dir, e);
+    ASSERT_FALSE(in.empty());
+    Outcome o = Korvex::Test::RoundTrip(desc, in);
+    EXPECT_EQ(o.broken, "") << Describe(o);
+    switch (c.expect) {
+      case Expect::kFails:
+        EXPECT_EQ(o.status, c.status) << Describe(o);
+        break;
+      case Expect::kDer:
+        EXPECT_EQ(o.status, 0) << Describe(o);
+        EXPECT_TRUE(o.exact) << Describe(o);
+        break;
+      case Expect::kBer:
+      case Expect::kNotDer:
+        EXPECT_EQ(o.status, 0) << Describe(o);
+        EXPECT_FALSE(o.exact) << Describe(o);
+        // Only input that breaks a DER rule may come back changed.
+        if (c.expect == Expect::kBer) {
+          EXPECT_FALSE(Korvex::Test::StructurallyDer(in.data(), o.consumed)) << Describe(o);
+        }
+        break;
+      case Expect::kNoType:
+        break;
+    }
+  }
+  // The index covers the folder and the exceptions name indexed files.
+  for (const std::string& f : Korvex::Test::ListFiles(dir)) {
+    if (f != "INDEX.md") EXPECT_EQ(indexed.count(f), 1u) << f << " is not in INDEX.md";
+  }
+  for (const auto& kv : exceptions) EXPECT_EQ(indexed.count(kv.first), 1u) << kv.first;
+}
+
+}  // namespace

@@ -265,7 +265,16 @@ int decodeTablesOf(Walk& w, const TypeDesc* d, void* rec) {
     if (!type) continue;  // X.682 10: an unknown key leaves the raw bytes
     int stat = forEachObject(m, rec, [&](Asn1Object* o) {
       if (o->decoded || !o->numocts || !o->data) return 0;
-      return decodeWith(w, type, o->data, o->numocts, &o->decoded);
+      const int recorded = w.ctxt->errInfo.status;
+      int st = decodeWith(w, type, o->data, o->numocts, &o->decoded);
+      if (st >= 0 || st == ASN_E_NOMEM) return st;
+      // Bytes that do not hold a value of the object's type (a Name attribute
+      // in another string type, an over-long notice, a token wrapped once more)
+      // stay raw, as under an unknown key: the element around them is sound and
+      // re-encodes as it came.
+      rtErrReset(&w.ctxt->errInfo);
+      if (recorded) rtErrSetData(&w.ctxt->errInfo, recorded);
+      return 0;
     });
     if (stat < 0) return stat;
   }

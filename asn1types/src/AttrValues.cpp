@@ -1,5 +1,6 @@
 // The typed attribute values of a CAdES signer: content type, message digest,
-// signing time.
+// signing time. An attribute value is exactly one element: decode() refuses
+// bytes after it (0x80093101) rather than dropping them.
 #include <korvex/asn1types/Attribute.h>
 #include <korvex/asn1types/PrimitiveTraits.h>
 #include <korvex/asn1types/Traits.h>
@@ -37,12 +38,14 @@ CBlob const& CAttrContentType::encode() {
 }
 
 void CAttrContentType::decode() {
+  detail::requireOneElement(get_value());
   CStringProxy oid(nullptr);
   asn1Decode<ASN1TObjId_traits>(get_value(), oid);
   m_contentType = oid;
 }
 
 void CAttrContentType::decode(CBlob const& der) {
+  detail::requireOneElement(der);
   CStringProxy oid(nullptr);
   asn1Decode<ASN1TObjId_traits>(der, oid);
   CBlob copy(der);
@@ -76,11 +79,13 @@ CBlob const& CAttrMessageDigest::encode() {
 }
 
 void CAttrMessageDigest::decode() {
+  detail::requireOneElement(get_value());
   CBlob digest = fromOctetString(get_value());
   m_messageDigest.swap(digest);
 }
 
 void CAttrMessageDigest::decode(CBlob const& der) {
+  detail::requireOneElement(der);
   CBlob digest = fromOctetString(der);
   CBlob copy(der);
   m_messageDigest.swap(digest);
@@ -113,12 +118,14 @@ CBlob const& CAttrSigningTime::encode() {
 }
 
 void CAttrSigningTime::decode() {
+  detail::requireOneElement(get_value());
   CTimeChoice time;
   time.decode(get_value());
   m_signingTime = time;
 }
 
 void CAttrSigningTime::decode(CBlob const& der) {
+  detail::requireOneElement(der);
   CTimeChoice time;
   time.decode(der);
   CBlob copy(der);

@@ -9,6 +9,7 @@
 #include <string>
 #include <utility>
 
+#include "NameCodecs.h"
 #include "NameSupport.h"
 
 namespace Korvex {
@@ -82,13 +83,11 @@ bool CAttributeTypeAndValue::operator==(CAttributeTypeAndValue const& other) con
   return m_impl->type == other.m_impl->type && m_impl->value == other.m_impl->value;
 }
 
-CBlob CAttributeTypeAndValue::encode() const {
-  return asn1Encode<ASN1T_AttributeTypeAndValue_traits>(*this);
-}
+CBlob CAttributeTypeAndValue::encode() const { return asn1Encode<names::AtavCodec>(*this); }
 
 void CAttributeTypeAndValue::decode(CBlob const& der) {
   CAttributeTypeAndValue decoded;
-  asn1Decode<ASN1T_AttributeTypeAndValue_traits>(der, decoded);
+  names::decodeWhole<names::AtavCodec>(der, decoded);
   swap(decoded);
 }
 

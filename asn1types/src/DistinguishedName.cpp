@@ -7,6 +7,8 @@
 
 #include <new>
 
+#include "NameCodecs.h"
+
 namespace Korvex {
 namespace ASN1 {
 
@@ -19,12 +21,12 @@ CWStringProxy CRelativeDistinguishedName::toString(unsigned int flags) const {
 CBlob CRelativeDistinguishedName::encode() const {
   // SET SIZE (1..MAX): an empty RDN is no valid encoding.
   if (empty()) throwCodecError();
-  return asn1Encode<ASN1T_RelativeDistinguishedName_traits>(*this);
+  return asn1Encode<names::RdnCodec>(*this);
 }
 
 void CRelativeDistinguishedName::decode(CBlob const& der) {
   CRelativeDistinguishedName decoded;
-  asn1Decode<ASN1T_RelativeDistinguishedName_traits>(der, decoded);
+  names::decodeWhole<names::RdnCodec>(der, decoded);
   swap(decoded);
 }
 
@@ -37,11 +39,11 @@ void CName::fromString(wchar_t const* text, StringType stringType) {
   swap(parsed);
 }
 
-CBlob CName::encode() const { return asn1Encode<ASN1T_Name_traits>(*this); }
+CBlob CName::encode() const { return asn1Encode<names::NameCodec>(*this); }
 
 void CName::decode(CBlob const& der) {
   CName decoded;
-  asn1Decode<ASN1T_Name_traits>(der, decoded);
+  names::decodeWhole<names::NameCodec>(der, decoded);
   swap(decoded);
 }
 

@@ -68,15 +68,13 @@ void ASN1T_PrivateKeyUsagePeriod_traits::set(ASN1CTXT* ctxt, ASN1_T& rec,
 
 void ASN1T_PrivateKeyUsagePeriod_traits::get(ASN1_T const& rec, CExtPrivateKeyUsagePeriod& v) {
   if (rec.m.notBeforePresent) {
-    CDateTime time(0, 0);
-    ASN1GeneralizedTime_traits::get(rec.notBefore, time);
+    CDateTime const time = detail::readGeneralizedTime(rec.notBefore);
     v.put_notBefore(&time);
   } else {
     v.put_notBefore(nullptr);
   }
   if (rec.m.notAfterPresent) {
-    CDateTime time(0, 0);
-    ASN1GeneralizedTime_traits::get(rec.notAfter, time);
+    CDateTime const time = detail::readGeneralizedTime(rec.notAfter);
     v.put_notAfter(&time);
   } else {
     v.put_notAfter(nullptr);

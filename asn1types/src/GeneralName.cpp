@@ -10,6 +10,7 @@
 #include <string>
 #include <utility>
 
+#include "NameCodecs.h"
 #include "NameSupport.h"
 
 namespace Korvex {
@@ -43,17 +44,6 @@ std::wstring requireText(wchar_t const* text) {
   if (!text) throwInvalidArgument();
   return std::wstring(text);
 }
-
-// Whole-structure traits of the alternatives kept as DER.
-typedef DerBlobTraits<asn1data::ASN1T_GeneralName_otherName, asn1data::ASN1C_GeneralName_otherName,
-                      &asn1data::asn1Copy_GeneralName_otherName>
-    OtherNameDer;
-typedef DerBlobTraits<asn1data::ASN1T_ORAddress, asn1data::ASN1C_ORAddress,
-                      &asn1data::asn1Copy_ORAddress>
-    ORAddressDer;
-typedef DerBlobTraits<asn1data::ASN1T_EDIPartyName, asn1data::ASN1C_EDIPartyName,
-                      &asn1data::asn1Copy_EDIPartyName>
-    EDIPartyNameDer;
 
 // A zeroed record of type T in ctxt's heap, constructed in place and owning
 // no context (the heap takes it back with the context).
@@ -236,21 +226,21 @@ bool CGeneralName::operator==(CGeneralName const& other) const {
   return true;  // no alternative: the numbers decide
 }
 
-CBlob CGeneralName::encode() const { return asn1Encode<ASN1T_GeneralName_traits>(*this); }
+CBlob CGeneralName::encode() const { return asn1Encode<names::GeneralNameCodec>(*this); }
 
 void CGeneralName::decode(CBlob const& der) {
   CGeneralName decoded;
-  asn1Decode<ASN1T_GeneralName_traits>(der, decoded);
+  names::decodeWhole<names::GeneralNameCodec>(der, decoded);
   swap(decoded);
 }
 
 // ---- CGeneralNames ---------------------------------------------------------------------
 
-CBlob CGeneralNames::encode() const { return asn1Encode<ASN1T_GeneralNames_traits>(*this); }
+CBlob CGeneralNames::encode() const { return asn1Encode<names::GeneralNamesCodec>(*this); }
 
 void CGeneralNames::decode(CBlob const& der) {
   CGeneralNames decoded;
-  asn1Decode<ASN1T_GeneralNames_traits>(der, decoded);
+  names::decodeWhole<names::GeneralNamesCodec>(der, decoded);
   swap(decoded);
 }
 
@@ -262,7 +252,7 @@ void ASN1T_GeneralName_traits::set(ASN1CTXT* ctxt, ASN1_T& rec, CGeneralName con
   unsigned int const type = v.get_type();
   switch (type) {
     case CGeneralName::kOtherName:
-      rec.u.otherName = derAlternative<OtherNameDer>(ctxt, v.get_otherName());
+      rec.u.otherName = derAlternative<names::OtherNameDer>(ctxt, v.get_otherName());
       break;
     case CGeneralName::kRfc822Name:
       rec.u.rfc822Name = ia5Alternative(ctxt, v.get_rfc822Name());
@@ -271,13 +261,13 @@ void ASN1T_GeneralName_traits::set(ASN1CTXT* ctxt, ASN1_T& rec, CGeneralName con
       rec.u.dNSName = ia5Alternative(ctxt, v.get_dNSName());
       break;
     case CGeneralName::kX400Address:
-      rec.u.x400Address = derAlternative<ORAddressDer>(ctxt, v.get_x400Address());
+      rec.u.x400Address = derAlternative<names::ORAddressDer>(ctxt, v.get_x400Address());
       break;
     case CGeneralName::kDirectoryName:
-      rec.u.directoryName = derAlternative<ASN1T_Name_traits>(ctxt, v.get_directoryName());
+      rec.u.directoryName = derAlternative<names::NameDer>(ctxt, v.get_directoryName());
       break;
     case CGeneralName::kEdiPartyName:
-      rec.u.ediPartyName = derAlternative<EDIPartyNameDer>(ctxt, v.get_ediPartyName());
+      rec.u.ediPartyName = derAlternative<names::EDIPartyNameDer>(ctxt, v.get_ediPartyName());
       break;
     case CGeneralName::kUniformResourceIdentifier:
       rec.u.uniformResourceIdentifier = ia5Alternative(ctxt, v.get_uniformResourceIdentifier());
@@ -307,7 +297,7 @@ void ASN1T_GeneralName_traits::get(ASN1_T const& rec, CGeneralName& v) {
   CGeneralName result;
   switch (rec.t) {
     case CGeneralName::kOtherName:
-      result.put_otherName(derOf<OtherNameDer>(rec.u.otherName));
+      result.put_otherName(derOf<names::OtherNameDer>(rec.u.otherName));
       break;
     case CGeneralName::kRfc822Name:
       result.put_rfc822Name(names::latin1Text(rec.u.rfc822Name).c_str());
@@ -316,13 +306,13 @@ void ASN1T_GeneralName_traits::get(ASN1_T const& rec, CGeneralName& v) {
       result.put_dNSName(names::latin1Text(rec.u.dNSName).c_str());
       break;
     case CGeneralName::kX400Address:
-      result.put_x400Address(derOf<ORAddressDer>(rec.u.x400Address));
+      result.put_x400Address(derOf<names::ORAddressDer>(rec.u.x400Address));
       break;
     case CGeneralName::kDirectoryName:
-      result.put_directoryName(derOf<ASN1T_Name_traits>(rec.u.directoryName));
+      result.put_directoryName(derOf<names::NameDer>(rec.u.directoryName));
       break;
     case CGeneralName::kEdiPartyName:
-      result.put_ediPartyName(derOf<EDIPartyNameDer>(rec.u.ediPartyName));
+      result.put_ediPartyName(derOf<names::EDIPartyNameDer>(rec.u.ediPartyName));
       break;
     case CGeneralName::kUniformResourceIdentifier:
       result.put_uniformResourceIdentifier(

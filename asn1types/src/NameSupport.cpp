@@ -1,6 +1,8 @@
 // NameSupport.cpp: byte-level helpers of the name values.
 #include "NameSupport.h"
 
+#include <korvex/asn1rt/asn1ber.h>
+
 namespace Korvex {
 namespace ASN1 {
 namespace names {
@@ -18,10 +20,16 @@ bool isSingleElement(unsigned char const* bytes, unsigned long size) {
     }
   }
   if (pos >= size) return false;
-  // Length octets (X.690 8.1.3): short form, or 0x81..0x84 and that many
-  // octets. 0x80 (indefinite) and longer forms are refused.
+  // Length octets (X.690 8.1.3): short form, 0x81..0x84 and that many
+  // octets, or 0x80 (indefinite, constructed only) up to the matching
+  // end-of-contents octets. Longer forms are refused.
   unsigned char first = bytes[pos++];
   unsigned long length = first;
+  if (first == 0x80) {
+    if ((bytes[0] & 0x20) == 0 || size > 0x7FFFFFFFul) return false;
+    int whole = xd_indeflen_ex(bytes, static_cast<int>(size));
+    return whole > 0 && static_cast<unsigned long>(whole) == size;
+  }
   if (first & 0x80) {
     int count = first & 0x7F;
     if (count == 0 || count > 4) return false;

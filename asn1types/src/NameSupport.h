@@ -13,10 +13,11 @@ namespace Korvex {
 namespace ASN1 {
 namespace names {
 
-// isSingleElement: whether bytes[0, size) is exactly one BER element with a
-// definite length (X.690 8.1.2, 8.1.3): a tag (high tag numbers included), a
-// short or long length of at most four octets, and that many contents octets
-// ending at size. The contents are not looked into.
+// isSingleElement: whether bytes[0, size) is exactly one BER element (X.690
+// 8.1.2, 8.1.3): a tag (high tag numbers included) and a short or long length
+// of at most four octets with that many contents octets ending at size, or a
+// constructed element of indefinite length whose end-of-contents octets end
+// at size. Definite contents are not looked into.
 bool isSingleElement(unsigned char const* bytes, unsigned long size);
 inline bool isSingleElement(CBlob const& der) {
   return isSingleElement(der.pbData(), der.cbData());

@@ -7,6 +7,7 @@
 #include <korvex/asn1types/ErrorCodes.h>
 #include <korvex/asn1types/PrimitiveTraits.h>
 #include <korvex/core/Blob.h>
+#include <korvex/core/DateTime.h>
 #include <korvex/core/StringProxy.h>
 
 #include <cstddef>
@@ -42,6 +43,11 @@ std::size_t elementLength(unsigned char const* data, std::size_t size);
 // element (an open-type value must be, X.690 8.1.1: the encoder would
 // otherwise write a part of it, or nothing).
 void requireOneElement(CBlob const& der);
+
+// readGeneralizedTime: the CDateTime of GeneralizedTime text from a decoded
+// record. Text the parser refuses is a decoding failure of the value
+// (0x80093101), not a parser error code.
+CDateTime readGeneralizedTime(char const* text);
 
 // assignImpl: the copy assignment of a value class: a deep copy of *source
 // replaces *impl only once it is complete, so a copy that throws changes

@@ -243,7 +243,14 @@ class TypedWalk {
         return;
       }
       if (!o->decoded) {
-        o_.broken = "a table-constrained open type with a known key has no typed value";
+        // Left raw: then its bytes must not be a value of the object's type.
+        Context c;
+        void* v = nullptr;
+        if (obj->decode(c.get(), o->data, o->numocts, &v, t->field) == 0) {
+          obj->free(c.get(), v, t->field);
+          o_.broken = "a table-constrained open type with a known key has no typed value";
+        }
+        ++o_.unfit;
         return;
       }
       ++o_.typed;
@@ -354,6 +361,71 @@ bool StructurallyDer(const unsigned char* p, size_t n) {
     }
   }
   return true;
+}
+
+namespace {
+
+// One element: its identifier and length octets and its contents.
+struct Tlv {
+  const unsigned char* head;
+  size_t headLength;
+  const unsigned char* contents;
+  size_t length;
+  bool constructed;
+};
+
+// The elements of a definite-length encoding; false when it is not one.
+bool Split(const unsigned char* p, size_t n, std::vector<Tlv>* out) {
+  while (n) {
+    if (n < 2 || (p[0] & 0x1F) == 0x1F) return false;
+    size_t i = 1, len = p[i++];
+    if (len == 0x80) return false;
+    if (len & 0x80) {
+      size_t octets = len & 0x7F;
+      if (octets > 4 || i + octets > n) return false;
+      len = 0;
+      for (size_t k = 0; k < octets; ++k) len = (len << 8) | p[i++];
+    }
+    if (len > n - i) return false;
+    out->push_back({p, i, p + i, len, (p[0] & 0x20) != 0});
+    p += i + len;
+    n -= i + len;
+  }
+  return true;
+}
+
+bool SameElements(const unsigned char* a, size_t an, const unsigned char* b, size_t bn,
+                  int depth) {
+  if (an == bn && std::memcmp(a, b, an) == 0) return true;
+  if (depth > 64) return false;
+  std::vector<Tlv> x, y;
+  if (!Split(a, an, &x) || !Split(b, bn, &y) || x.size() != y.size()) return false;
+  std::vector<bool> used(y.size(), false);
+  for (size_t i = 0; i < x.size(); ++i) {
+    const Tlv& e = x[i];
+    bool found = false;
+    // The same position first: only SET and SET OF members move.
+    for (size_t step = 0; step <= y.size() && !found; ++step) {
+      size_t k = step == 0 ? i : step - 1;
+      const Tlv& f = y[k];
+      if (used[k] || e.head[0] != f.head[0] || e.length != f.length ||
+          e.headLength != f.headLength) {
+        continue;
+      }
+      bool same = e.constructed
+                      ? SameElements(e.contents, e.length, f.contents, f.length, depth + 1)
+                      : std::memcmp(e.contents, f.contents, e.length) == 0;
+      if (same) found = used[k] = true;
+    }
+    if (!found) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+bool SameUpToOrder(const Bytes& a, const Bytes& b) {
+  return SameElements(a.data(), a.size(), b.data(), b.size(), 0);
 }
 
 }  // namespace Test

@@ -69,7 +69,7 @@ Bytes LoadEntry(const std::string& corpusDir, const IndexEntry& entry);
 //     through their encodings);
 //   - a deep copy encodes to the same bytes;
 //   - every table-constrained open type whose key names an object with a type
-//     holds its typed value;
+//     holds its typed value, unless its bytes are not a value of that type;
 //   - freeing the values gives back every heap block that decode and copy took.
 struct Outcome {
   int status = 0;        // of the decode
@@ -78,6 +78,7 @@ struct Outcome {
   bool exact = false;    // der equals the consumed input
   size_t typed = 0;      // typed values of table-constrained open types
   size_t untyped = 0;    // open types left raw (no object for their key)
+  size_t unfit = 0;      // open types left raw (not a value of their object's type)
   std::string broken;    // the first invariant that failed, empty if none
 };
 Outcome RoundTrip(const Asn1Engine::TypeDesc* desc, const Bytes& input);
@@ -86,6 +87,11 @@ Outcome RoundTrip(const Asn1Engine::TypeDesc* desc, const Bytes& input);
 // numbers in one octet, primitive universal strings, minimal INTEGERs and
 // BOOLEAN 00/FF, looking into constructed elements (not into OCTET STRINGs).
 bool StructurallyDer(const unsigned char* p, size_t n);
+
+// Whether a and b hold the same elements, the children of each constructed
+// element possibly in another order (what DER's sorting of SET OF, X.690 11.6,
+// and of SET components, 10.3, changes); compared element by element.
+bool SameUpToOrder(const Bytes& a, const Bytes& b);
 
 }  // namespace Test
 }  // namespace Korvex

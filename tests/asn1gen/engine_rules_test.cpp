@@ -209,11 +209,25 @@ TEST(EngineRules, TableConstraintStatuses) {
     EXPECT_EQ(alg.parameters.decoded, nullptr);
     asn1Free_AlgorithmIdentifier(c.ctxt(), &alg);
   }
-  // Known identifier, parameters outside their limits.
-  ExpectDecodeStatus(F(AlgorithmIdentifier), "3011 06092B06010401868D1F01 3004020200C8",
-                     ASN_E_CONSVIO);
-  // Known identifier, parameters of the wrong type.
-  ExpectDecodeStatus(F(AlgorithmIdentifier), "300E 06092B06010401868D1F01 020105", ASN_E_IDNOTFOU);
+  // Known identifier, parameters that are not a value of its type (outside
+  // their limits, of another type): the raw bytes stay, no typed value, no
+  // status, and the value re-encodes as it came.
+  const char* kNotItsType[] = {"3011 06092B06010401868D1F01 3004020200C8",
+                               "300E 06092B06010401868D1F01 020105"};
+  for (const char* hex : kNotItsType) {
+    SCOPED_TRACE(hex);
+    Codec c;
+    ASN1T_AlgorithmIdentifier alg;
+    ASSERT_EQ(c.decode(&asn1D_AlgorithmIdentifier, FromHex(hex), &alg), 0);
+    EXPECT_EQ(c.ctxt()->errInfo.status, 0);
+    EXPECT_EQ(alg.parameters.decoded, nullptr);
+    EXPECT_EQ(ToHex(c.encode(&asn1E_AlgorithmIdentifier, &alg)), ToHex(FromHex(hex)));
+    asn1Free_AlgorithmIdentifier(c.ctxt(), &alg);
+    ExpectRoundTrip(F(AlgorithmIdentifier), hex);
+  }
+  // The element around the parameters must still be sound.
+  ExpectDecodeStatus(F(AlgorithmIdentifier), "3011 06092B06010401868D1F01 3005020200C8",
+                     ASN_E_INVLEN);
 }
 
 TEST(EngineRules, TableFunctionsAndObjectSet) {

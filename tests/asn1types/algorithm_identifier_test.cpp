@@ -196,7 +196,7 @@ TEST(AlgorithmIdentifierExTest, CopiesCarryTheCacheAndSwapExchangesIt) {
   c.put_cachedInfo(22);
   c = a;
   EXPECT_EQ(11u, c.get_cachedInfo());
-  CAlgorithmIdentifierEx fromBase(CAlgorithmIdentifier(kSha256));
+  CAlgorithmIdentifierEx fromBase{CAlgorithmIdentifier(kSha256)};
   EXPECT_EQ(0u, fromBase.get_cachedInfo());
 
   CAlgorithmIdentifierEx d("1.2");

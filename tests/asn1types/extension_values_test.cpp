@@ -35,7 +35,7 @@ TEST_F(ExtensionValuesTest, ExtensionExactDer) {
       {"2.5.29.19", "30 00", false, "30 09 06 03 55 1D 13 04 02 30 00"},
       // An extension our catalogue does not know: the bytes as they stand.
       {"1.3.6.1.4.1.99981.38.77", "0C 02 68 69", false,
-       "30 13 06 0B 2B 06 01 04 01 86 8D 0D 26 81 4D 04 04 0C 02 68 69"},
+       "30 12 06 0A 2B 06 01 04 01 86 8D 0D 26 4D 04 04 0C 02 68 69"},
   };
   for (Case const& c : cases) {
     SCOPED_TRACE(c.der);
@@ -99,8 +99,8 @@ TEST_F(ExtensionValuesTest, ExtensionsListInOrder) {
   list.push_back(CExtension("2.5.29.15", Blob("03 02 07 80"), true));
   CBlob der = list.encode();
   EXPECT_EQ(Hex(der),
-            "30 1B 30 0C 06 03 55 1D 13 01 01 FF 04 02 30 00 30 0B 06 03 55 1D 0F 04 04 03 02 07 "
-            "80");
+            "30 1E 30 0C 06 03 55 1D 13 01 01 FF 04 02 30 00 30 0E 06 03 55 1D 0F 01 01 FF 04 04 03 "
+            "02 07 80");
   CExtensions back;
   back.push_back(CExtension("1.2.3", CBlob()));
   back.decode(der);

@@ -38,7 +38,7 @@ TEST(OtherHashAlgAndValueTest, EncodesAndDecodes) {
   EXPECT_TRUE(decoded == value);
 
   // Empty hash value: OCTET STRING 04 00.
-  COtherHashAlgAndValue empty(CBlob(), CAlgorithmIdentifier(kSha1));
+  COtherHashAlgAndValue empty{CBlob(), CAlgorithmIdentifier(kSha1)};
   EXPECT_EQ("30 0B 30 07 06 05 2B 0E 03 02 1A 04 00", Hex(empty.encode()));
 }
 
@@ -190,6 +190,21 @@ TEST(OtherHashTest, TraitsRefuseAnUnknownSelector) {
   rec.u.sha1Hash = nullptr;  // a selected alternative without its record
   EXPECT_EQ(0x80093101u, ThrownCode([&] { Korvex::ASN1::ASN1T_OtherHash_traits::get(rec, hash); }));
   rec.t = 0;
+}
+
+TEST(OtherHashTest, ContextHeapExhaustedWhileCopyingTheHashValue) {
+  // A hash value of a size no other block of the encode has: refusing that
+  // block is refusing the copy of the hash bytes into the record context.
+  CBlob bytes(77);
+  COtherHash sha1(bytes);
+  COtherHash other(COtherHashAlgAndValue(bytes, CAlgorithmIdentifier(kSha256)));
+  typestest::HeapWatch watch;
+  typestest::HeapWatch::failHeapBlock(77);
+  EXPECT_EQ(0x80093106u, ThrownCode([&] { sha1.encode(); }));
+  EXPECT_EQ(0x80093106u, ThrownCode([&] { other.encode(); }));
+  EXPECT_EQ(0x80093106u, ThrownCode([&] { other.get_otherHash()->encode(); }));
+  typestest::HeapWatch::failHeapBlock(0);
+  EXPECT_EQ(0, watch.live());
 }
 
 TEST(OtherHashTest, NoLeakOrStrayCodeUnderAllocationFailures) {

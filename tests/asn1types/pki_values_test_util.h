@@ -1,44 +1,18 @@
 // pki_values_test_util.h: shared pieces of the tests of the algorithm
-// identifier, hash, certificate-ID and time-choice values: a test issuer, a
-// fault injector for the runtime's allocations, and the DER of the test
-// vectors (each checked with `openssl asn1parse -i`).
+// identifier, hash, certificate-ID and time-choice values: the test issuer
+// (pki_test_values.h) and a fault injector for the runtime's allocations.
 #ifndef KORVEX_TESTS_ASN1TYPES_PKI_VALUES_TEST_UTIL_H
 #define KORVEX_TESTS_ASN1TYPES_PKI_VALUES_TEST_UTIL_H
 
 #include <gtest/gtest.h>
 #include <korvex/asn1rt/asn1type.h>
-#include <korvex/asn1types/BigInteger.h>
-#include <korvex/asn1types/Names.h>
 
 #include <cstdlib>
 
+#include "pki_test_values.h"
 #include "types_test_util.h"
 
 namespace pkitest {
-
-// Name: CN=Test CA (UTF8String), one RDN.
-inline char const* const kNameHex = "30 12 31 10 30 0E 06 03 55 04 03 0C 07 54 65 73 74 20 43 41";
-// IssuerSerial { GeneralNames { directoryName Name }, serial 0xC0FFEE }.
-inline char const* const kIssuerSerialHex =
-    "30 1E 30 16 A4 14 30 12 31 10 30 0E 06 03 55 04 03 0C 07 54 65 73 74 20 43 41 "
-    "02 04 00 C0 FF EE";
-
-// A general name holding the directoryName CN=Test CA.
-inline Korvex::ASN1::CGeneralName TestDirectoryName() {
-  Korvex::ASN1::CGeneralName name;
-  name.put_directoryName(typestest::Blob(kNameHex));
-  return name;
-}
-
-// The issuer of kIssuerSerialHex.
-inline Korvex::ASN1::CGeneralNames TestIssuer() {
-  Korvex::ASN1::CGeneralNames names;
-  names.push_back(TestDirectoryName());
-  return names;
-}
-
-// The serial number 0xC0FFEE (held as 00 C0 FF EE).
-inline Korvex::ASN1::CBigInteger TestSerial() { return Korvex::ASN1::CBigInteger(0xC0FFEEul); }
 
 // FaultInjector counts the runtime's allocations (rtSetAllocFuncs) and can make
 // the n-th one from now fail. Install it only while no context exists; it
@@ -108,6 +82,7 @@ void ExpectCleanUnderFaults(F&& f) {
     EXPECT_EQ(0, FaultInjector::live());
     if (!failed) {
       EXPECT_EQ(0u, code);
+      EXPECT_GT(n, 1) << "f allocated nothing through the runtime";
       return;  // every allocation of f has been refused once
     }
   }

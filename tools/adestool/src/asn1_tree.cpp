@@ -358,6 +358,13 @@ class TreeWalker {
 }  // namespace
 
 bool DumpAsn1Tree(const uint8_t* data, size_t size, std::string* out, DumpFailure* failure) {
+  if (size == 0) return true;
+  if (size > 0x7FFFFFFF) {
+    // The runtime's offsets and lengths are 32-bit signed.
+    failure->offset = 0;
+    failure->what = "input larger than 2 GiB";
+    return false;
+  }
   TreeWalker walker(data, size);
   return walker.DumpAll(out, failure);
 }

@@ -40,7 +40,8 @@ struct DumpFailure {
 // true when the bytes are well-formed throughout. Otherwise the tree holds
 // what could be parsed, with the fault shown inline (<truncated: N of M
 // bytes>, <incomplete header>, ...), and *failure describes the first fault.
-// size must be below 2^31. Throws std::bad_alloc only.
+// Empty data gives no lines; data of 2^31 bytes or more is refused as a
+// failure at offset 0. Throws std::bad_alloc only.
 bool DumpAsn1Tree(const uint8_t* data, size_t size, std::string* out, DumpFailure* failure);
 
 }  // namespace adestool

@@ -61,6 +61,8 @@ class Desc:
         return d
 
     def constructed(self):
+        if self.tag:
+            return bool(self.tag & CONS)
         if self.kind in CONSTRUCTED_KINDS:
             return True
         if self.kind == "kTagged":

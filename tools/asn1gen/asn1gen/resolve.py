@@ -339,6 +339,10 @@ class ModInfo:
             shape = self.seqof_shape(name, cident(name))
         td = self.new_typedef(cident(name), shape, a)
         td.asn1_name = name
+        # Until the type is built, a reference to it (through a cycle of imports
+        # or object sets) sees this tag: X.680 31.2.7 decides by it whether an
+        # IMPLICIT tag on the reference is applied or made explicit.
+        td.desc.tag = self.intrinsic_tag(ty)
         self.typedefs[name] = td
         ti = self.analyze_type(ty, Ctx(name, td.cname, top=td))
         self.finish_typedef(td, ti, ty)
@@ -399,6 +403,39 @@ class ModInfo:
         return "array"
 
     # ---- tags -------------------------------------------------------------------------
+    UNIVERSAL_TAGS = {"BOOLEAN": 1, "INTEGER": 2, "BIT STRING": 3, "OCTET STRING": 4, "NULL": 5,
+                      "OBJECT IDENTIFIER": 6, "ENUMERATED": 10, "SEQUENCE": 16 | CONS,
+                      "SEQUENCE OF": 16 | CONS, "SET": 17 | CONS, "SET OF": 17 | CONS}
+
+    def intrinsic_tag(self, ty, skip=0, seen=()):
+        """The tag word (with its constructed bit) that a value of ty starts with,
+        read from the module text alone, 0 for an untagged CHOICE or open type.
+        skip outer tags of ty are ignored."""
+        if len(ty.tags) > skip:
+            tag = ty.tags[skip]
+            number = tag.number if isinstance(tag.number, int) else self.vr.int_value(tag.number)
+            inner = self.intrinsic_tag(ty, skip + 1, seen)
+            mode = tag.mode or ("IMPLICIT" if self.tag_default_implicit() else "EXPLICIT")
+            word = CLASS_BITS[tag.cls] | number
+            if mode == "EXPLICIT" or not inner or inner & CONS:
+                word |= CONS
+            return word
+        k = ty.kind
+        if k in self.UNIVERSAL_TAGS:
+            return self.UNIVERSAL_TAGS[k]
+        if k in STRING_TYPES or k in TIME_TYPES:
+            return STRING_TYPES.get(k) or TIME_TYPES[k]
+        if k == "REF" and ty.name not in seen and not self.dirs.find("opentype", ty.name):
+            try:
+                r = self.lookup(ty.name, ty, ty.module)
+            except CompileError:
+                return 0
+            if r[0] != "missing":
+                m, a = r
+                if a.kind == "type" and not (a.type.kind == "REF" and
+                                             m.is_class(a.type.name, a.type)):
+                    return m.intrinsic_tag(a.type, 0, seen + (ty.name,))
+        return 0
     def tag_default_implicit(self):
         return self.ast.tag_default in ("IMPLICIT", "AUTOMATIC")
 

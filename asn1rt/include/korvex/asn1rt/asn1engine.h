@@ -41,8 +41,9 @@ typedef ASN1OCTET Asn1NullValue;
 /* A table-constrained open type (X.682 10): the complete encoding of the value,
  * tag and length included (numocts, data, laid out as ASN1OpenType), and the
  * value decoded with the type that the information object of its key names
- * (null when not decoded or when no object is known for the key). The decoded
- * value lives in the context's type heap. */
+ * (null when not decoded, when no object is known for the key, or when the
+ * bytes are not a value of that type: they then stay as they came). The
+ * decoded value lives in the context's type heap. */
 typedef struct Asn1Object {
   ASN1UINT numocts;
   const ASN1OCTET* data;
@@ -261,7 +262,9 @@ KORVEX_API void free(ASN1CTXT* ctxt, const TypeDesc* desc, void* value);
  * SEQUENCE or SET value (asn1ETC_ / asn1DTC_): encode each present typed value
  * whose key has an object into the open type's bytes, or decode the bytes of
  * each present open type whose key has an object into its typed value. Unknown
- * keys leave the raw bytes. Returns 0 or a negative status. */
+ * keys, and bytes that are not a value of the object's type, leave the raw
+ * bytes (decoded stays null). Returns 0 or a negative status (-12 when memory
+ * runs out). */
 KORVEX_API int encodeTables(ASN1CTXT* ctxt, const TypeDesc* desc, void* value);
 KORVEX_API int decodeTables(ASN1CTXT* ctxt, const TypeDesc* desc, void* value);
 

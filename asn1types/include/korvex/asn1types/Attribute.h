@@ -215,4 +215,6 @@ class KORVEX_API CAttrSigningTime : public CAttrValue {
 }  // namespace ASN1
 }  // namespace Korvex
 
+#include <korvex/asn1types/SigningCertificate.h>
+
 #endif

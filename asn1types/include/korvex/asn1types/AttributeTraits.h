@@ -12,6 +12,8 @@
 #ifndef KORVEX_ASN1TYPES_ATTRIBUTETRAITS_H
 #define KORVEX_ASN1TYPES_ATTRIBUTETRAITS_H
 
+#include <korvex/asn1gen/ETS_ElectronicSignatureFormats_ExplicitSyntax88.h>
+#include <korvex/asn1gen/ExtendedSecurityServices_2006.h>
 #include <korvex/asn1gen/PKIX1Explicit88.h>
 #include <korvex/asn1gen/PKIXCRMF_2005.h>
 #include <korvex/asn1types/ArrayListTraits.h>
@@ -38,6 +40,32 @@ struct KORVEX_API ASN1T_Attributes_traits
                       &asn1data::asn1Copy_Attributes>,
       ASN1TArrayList_traits<asn1data::ASN1T_Attributes, ASN1T_Attribute_traits, CAttribute,
                             CAttributes> {};
+
+// The signing-certificate attributes: certs through the certificate-ID list
+// traits (CertIdTraits.h), policies (when present) through
+// ASN1T__SeqOfPolicyInformation_traits. get fills the typed parts only; the
+// value's DER is the caller's (decode keeps the DER it was given).
+struct KORVEX_API ASN1T_SigningCertificate_traits
+    : GeneratedTraits<asn1data::ASN1T_SigningCertificate, asn1data::ASN1C_SigningCertificate,
+                      &asn1data::asn1Copy_SigningCertificate> {
+  static void set(ASN1CTXT* ctxt, ASN1_T& rec, CAttrSigningCertificate const& v);
+  static void get(ASN1_T const& rec, CAttrSigningCertificate& v);
+};
+
+struct KORVEX_API ASN1T_SigningCertificateV2_traits
+    : GeneratedTraits<asn1data::ASN1T_SigningCertificateV2, asn1data::ASN1C_SigningCertificateV2,
+                      &asn1data::asn1Copy_SigningCertificateV2> {
+  static void set(ASN1CTXT* ctxt, ASN1_T& rec, CAttrSigningCertificateV2 const& v);
+  static void get(ASN1_T const& rec, CAttrSigningCertificateV2& v);
+};
+
+struct KORVEX_API ASN1T_OtherSigningCertificate_traits
+    : GeneratedTraits<asn1data::ASN1T_OtherSigningCertificate,
+                      asn1data::ASN1C_OtherSigningCertificate,
+                      &asn1data::asn1Copy_OtherSigningCertificate> {
+  static void set(ASN1CTXT* ctxt, ASN1_T& rec, CAttrOtherSigningCertificate const& v);
+  static void get(ASN1_T const& rec, CAttrOtherSigningCertificate& v);
+};
 
 }  // namespace ASN1
 }  // namespace Korvex

@@ -144,6 +144,6 @@ KORVEX_API bool operator!=(CPKIStatusInfo const& a, CPKIStatusInfo const& b);
 }  // namespace ASN1
 }  // namespace Korvex
 
-// TEMP-PENDING-CERTID #include <korvex/asn1types/RevAnnContent.h>
+#include <korvex/asn1types/RevAnnContent.h>
 
 #endif

@@ -40,7 +40,6 @@ struct KORVEX_API ASN1T_PKIStatusInfo_traits
   static void get(ASN1_T const& rec, CPKIStatusInfo& v);
 };
 
-#ifdef KORVEX_ASN1TYPES_REVANNCONTENT_H  // TEMP-PENDING-CERTID
 // ASN1T_RevAnnContent_traits: status, certId (ASN1T_CertId_traits), the two
 // GeneralizedTimes (ASN1GeneralizedTime_traits) and the optional extensions.
 struct KORVEX_API ASN1T_RevAnnContent_traits
@@ -49,7 +48,6 @@ struct KORVEX_API ASN1T_RevAnnContent_traits
   static void set(ASN1CTXT* ctxt, ASN1_T& rec, CRevAnnContent const& v);
   static void get(ASN1_T const& rec, CRevAnnContent& v);
 };
-#endif  // TEMP-PENDING-CERTID
 
 }  // namespace ASN1
 }  // namespace Korvex

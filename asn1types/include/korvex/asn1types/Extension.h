@@ -214,4 +214,8 @@ KORVEX_API bool operator!=(CExtPrivateKeyUsagePeriod const& a, CExtPrivateKeyUsa
 }  // namespace ASN1
 }  // namespace Korvex
 
+#include <korvex/asn1types/ExtAccess.h>
+#include <korvex/asn1types/ExtDistributionPoint.h>
+#include <korvex/asn1types/ExtPolicy.h>
+
 #endif

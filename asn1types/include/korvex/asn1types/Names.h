@@ -275,9 +275,9 @@ class KORVEX_API CGeneralNames : public std::list<CGeneralName> {
  public:
   using std::list<CGeneralName>::list;
 
-  // encode: the DER (an empty list gives 30 00, which the size constraint
-  // does not allow but which decodes); decode replaces the list; bad DER
-  // throws 0x80093101 and leaves it unchanged.
+  // encode: the DER; an empty list (SIZE (1..MAX)) or a name that does not
+  // encode throws 0x80093101. decode replaces the list; bad DER throws
+  // 0x80093101 and leaves it unchanged.
   CBlob encode() const;
   void decode(CBlob const& der);
 };

@@ -1,5 +1,6 @@
-// Measuring one BER element (X.690 8.1), to check the open-type values that
-// the value classes carry as DER before they are written.
+// Helpers of the value classes: measuring one BER element (X.690 8.1), to
+// check the open-type values they carry as DER before these are written, and
+// reading GeneralizedTime text.
 #include "ValueSupport.h"
 
 namespace Korvex {
@@ -58,6 +59,17 @@ std::size_t elementLength(unsigned char const* data, std::size_t size) {
 void requireOneElement(CBlob const& der) {
   std::size_t const size = der.cbData();
   if (size == 0 || elementLength(der.pbData(), size) != size) throwCodecError();
+}
+
+CDateTime readGeneralizedTime(char const* text) {
+  CDateTime time(0, 0);
+  try {
+    ASN1GeneralizedTime_traits::get(text, time);
+  } catch (ATL::CAtlException const& e) {
+    if (e.m_hr == kAsn1HeapError) throw;
+    throwCodecError();
+  }
+  return time;
 }
 
 }  // namespace detail

@@ -23,7 +23,7 @@ struct IntegerContents {
 // X.690 8.3.2: in more than one octet, the first nine bits are neither all
 // zero nor all one (a redundant sign octet).
 inline bool IsMinimal(const ASN1OCTET* p, int length) {
-  if (length >= 0) return true;  // TEMP
+  if (length < 2) return true;
   const bool positivePad = p[0] == 0x00 && !(p[1] & 0x80);
   const bool negativePad = p[0] == 0xFF && (p[1] & 0x80);
   return !positivePad && !negativePad;

@@ -34,7 +34,7 @@ inline int ParseTag(const ASN1OCTET* d, ASN1UINT* i, ASN1UINT size, ASN1TAG* tag
       v = (v << 7) | (c & 0x7F);
     } while (c & 0x80);
     if (v > ASN1_MAX_TAG_NUMBER) return ASN_E_BADTAG;
-    (void)firstGroup;  // TEMP
+    if (v < 31 || firstGroup == 0x80) return ASN_E_IDNOTFOU;
     number = static_cast<ASN1UINT>(v);
   }
   *tag = (static_cast<ASN1TAG>(b & 0xE0) << 24) | number;

@@ -18,8 +18,8 @@ int Finish(ASN1CTXT* ctxt, int length, ASN1TagType tagging, ASN1TAG tag) {
 // character as sizeof(Unit) octets, big-endian.
 template <typename Str>
 int PutUnits(ASN1CTXT* ctxt, const Str* str, ASN1TagType tagging, ASN1TAG tag) {
-  using Unit = typename std::remove_const<
-      typename std::remove_pointer<decltype(Str::data)>::type>::type;
+  using Unit =
+      typename std::remove_const<typename std::remove_pointer<decltype(Str::data)>::type>::type;
   constexpr ASN1UINT kWidth = sizeof(Unit);
   if (!str || (!str->data && str->nchars)) return Fail(ctxt, ASN_E_BADVALUE);
   if (str->nchars > ASN1_MEMBLOCK_MAX / kWidth) return Fail(ctxt, ASN_E_BUFOVFLW);

@@ -6,6 +6,28 @@
 namespace Korvex {
 namespace ASN1 {
 
+namespace {
+
+// The table decoder keeps bytes that do not hold the object's type raw, so that
+// a received identifier re-encodes as it came; a value being written is held
+// to its type. When the algorithm has an object with a parameters type
+// (ALGORITHM.&Type, the class's first type field) and the table decoder left
+// the bytes undecoded, they are decoded here: a refusal is a codec failure
+// (0x80093101), no memory a heap failure (0x80093106). An object without a
+// parameters type (-18) accepts any bytes.
+void RequireParametersOfType(ASN1CTXT* ctxt, asn1data::ASN1T_AlgorithmIdentifier& rec) {
+  Asn1Engine::InfoObject const* object =
+      asn1data::SupportedAlgorithms::instance(ctxt).lookupObject(rec.algorithm);
+  if (!object) return;
+  void* decoded = nullptr;
+  int status = object->decode(ctxt, rec.parameters.data, rec.parameters.numocts, &decoded);
+  if (status == ASN_E_BADVALUE) return;  // no parameters type in the object
+  checkCopyStatus(status);
+  rec.parameters.decoded = decoded;
+}
+
+}  // namespace
+
 void ASN1T_AlgorithmIdentifier_traits::set(ASN1CTXT* ctxt, ASN1_T& rec,
                                            CAlgorithmIdentifier const& value) {
   if (!ctxt) throwInvalidArgument();
@@ -22,7 +44,8 @@ void ASN1T_AlgorithmIdentifier_traits::set(ASN1CTXT* ctxt, ASN1_T& rec,
   // The parameters' type comes from the algorithm's information object
   // (RFC 5280 4.1.1.2, SupportedAlgorithms); bytes that do not decode as that
   // type are refused now rather than written.
-  if (asn1data::asn1DTC_AlgorithmIdentifier(ctxt, &rec) != 0) throwCodecError();
+  checkCopyStatus(asn1data::asn1DTC_AlgorithmIdentifier(ctxt, &rec));
+  if (!rec.parameters.decoded) RequireParametersOfType(ctxt, rec);
 }
 
 void ASN1T_AlgorithmIdentifier_traits::get(ASN1_T const& rec, CAlgorithmIdentifier& value) {

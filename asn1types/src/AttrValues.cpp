@@ -98,9 +98,7 @@ CAttrSigningTime::CAttrSigningTime(CDateTime const& t) : CAttrValue(kOidSigningT
   put_signingTime(t);
 }
 
-CAttrSigningTime::CAttrSigningTime(CBlob const& der) : CAttrValue(kOidSigningTime) {
-  decode(der);
-}
+CAttrSigningTime::CAttrSigningTime(CBlob const& der) : CAttrValue(kOidSigningTime) { decode(der); }
 
 CTimeChoice const& CAttrSigningTime::get_signingTime() const { return m_signingTime; }
 

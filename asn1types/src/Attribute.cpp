@@ -76,7 +76,9 @@ std::size_t CAttribute::size() const { return m_impl->values.size(); }
 CAttribute::iterator CAttribute::erase(iterator it) { return m_impl->values.erase(it); }
 
 CBlob CAttribute::encode() const { return asn1Encode<ASN1T_Attribute_traits>(*this); }
-void CAttribute::decode(CBlob const& der) { asn1Decode<ASN1T_Attribute_traits>(der, *this); }
+void CAttribute::decode(CBlob const& der) {
+  detail::decodeWhole<ASN1T_Attribute_traits>(der, *this);
+}
 
 bool operator==(CAttribute const& a, CAttribute const& b) {
   if (std::strcmp(a.get_oid(), b.get_oid()) != 0 || a.size() != b.size()) return false;
@@ -132,7 +134,9 @@ void CAttributes::add(CAttrValue const& value) {
 }
 
 CBlob CAttributes::encode() const { return asn1Encode<ASN1T_Attributes_traits>(*this); }
-void CAttributes::decode(CBlob const& der) { asn1Decode<ASN1T_Attributes_traits>(der, *this); }
+void CAttributes::decode(CBlob const& der) {
+  detail::decodeWhole<ASN1T_Attributes_traits>(der, *this);
+}
 
 }  // namespace ASN1
 }  // namespace Korvex

@@ -21,7 +21,9 @@ void CPKIFreeText::add(wchar_t const* text) {
 }
 
 CBlob CPKIFreeText::encode() const { return asn1Encode<ASN1T_PKIFreeText_traits>(*this); }
-void CPKIFreeText::decode(CBlob const& der) { asn1Decode<ASN1T_PKIFreeText_traits>(der, *this); }
+void CPKIFreeText::decode(CBlob const& der) {
+  detail::decodeWhole<ASN1T_PKIFreeText_traits>(der, *this);
+}
 
 // ---- CPKIFailureInfo ----
 
@@ -29,7 +31,7 @@ CPKIFailureInfo::CPKIFailureInfo() {}
 CPKIFailureInfo::CPKIFailureInfo(unsigned int mask) : CNamedBits(mask) {}
 CBlob CPKIFailureInfo::encode() const { return asn1Encode<ASN1T_PKIFailureInfo_traits>(*this); }
 void CPKIFailureInfo::decode(CBlob const& der) {
-  asn1Decode<ASN1T_PKIFailureInfo_traits>(der, *this);
+  detail::decodeWhole<ASN1T_PKIFailureInfo_traits>(der, *this);
 }
 bool operator==(CPKIFailureInfo const& a, CPKIFailureInfo const& b) {
   return a.get_flags() == b.get_flags();
@@ -61,9 +63,7 @@ CPKIStatusInfo::~CPKIStatusInfo() { delete m_impl; }
 
 int CPKIStatusInfo::get_status() const { return m_impl->status; }
 void CPKIStatusInfo::put_status(int status) { m_impl->status = status; }
-CPKIFreeText const* CPKIStatusInfo::get_statusString() const {
-  return m_impl->statusString.get();
-}
+CPKIFreeText const* CPKIStatusInfo::get_statusString() const { return m_impl->statusString.get(); }
 void CPKIStatusInfo::put_statusString(CPKIFreeText const* text) {
   copy_to_auto_ptr(m_impl->statusString, text);
 }
@@ -74,7 +74,7 @@ void CPKIStatusInfo::put_failInfo(CPKIFailureInfo const* failInfo) {
 
 CBlob CPKIStatusInfo::encode() const { return asn1Encode<ASN1T_PKIStatusInfo_traits>(*this); }
 void CPKIStatusInfo::decode(CBlob const& der) {
-  asn1Decode<ASN1T_PKIStatusInfo_traits>(der, *this);
+  detail::decodeWhole<ASN1T_PKIStatusInfo_traits>(der, *this);
 }
 
 bool operator==(CPKIStatusInfo const& a, CPKIStatusInfo const& b) {

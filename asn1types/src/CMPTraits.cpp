@@ -67,7 +67,8 @@ void ASN1T_PKIFailureInfo_traits::get(ASN1_T const& rec, CPKIFailureInfo& v) {
 void ASN1T_PKIStatusInfo_traits::set(ASN1CTXT* ctxt, ASN1_T& rec, CPKIStatusInfo const& v) {
   rec.status = v.get_status();
   rec.m.statusStringPresent = v.get_statusString() ? 1 : 0;
-  if (v.get_statusString()) ASN1T_PKIFreeText_traits::set(ctxt, rec.statusString, *v.get_statusString());
+  if (v.get_statusString())
+    ASN1T_PKIFreeText_traits::set(ctxt, rec.statusString, *v.get_statusString());
   rec.m.failInfoPresent = v.get_failInfo() ? 1 : 0;
   if (v.get_failInfo()) ASN1T_PKIFailureInfo_traits::set(ctxt, rec.failInfo, *v.get_failInfo());
 }

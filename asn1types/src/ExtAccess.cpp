@@ -20,8 +20,7 @@ struct CAccessDescription::Impl {
 };
 
 CAccessDescription::CAccessDescription() : m_impl(new Impl) {}
-CAccessDescription::CAccessDescription(char const* accessMethod,
-                                       CGeneralName const& accessLocation)
+CAccessDescription::CAccessDescription(char const* accessMethod, CGeneralName const& accessLocation)
     : m_impl(new Impl) {
   std::unique_ptr<Impl> guard(m_impl);
   m_impl->accessMethod = detail::requireText(accessMethod);
@@ -51,7 +50,7 @@ CBlob CAccessDescription::encode() const {
   return asn1Encode<ASN1T_AccessDescription_traits>(*this);
 }
 void CAccessDescription::decode(CBlob const& der) {
-  asn1Decode<ASN1T_AccessDescription_traits>(der, *this);
+  detail::decodeWhole<ASN1T_AccessDescription_traits>(der, *this);
 }
 
 bool operator==(CAccessDescription const& a, CAccessDescription const& b) {
@@ -79,11 +78,10 @@ CBlob CAuthorityInfoAccessSyntax::encode() const {
   return asn1Encode<ASN1T_AuthorityInfoAccessSyntax_traits>(*this);
 }
 void CAuthorityInfoAccessSyntax::decode(CBlob const& der) {
-  asn1Decode<ASN1T_AuthorityInfoAccessSyntax_traits>(der, *this);
+  detail::decodeWhole<ASN1T_AuthorityInfoAccessSyntax_traits>(der, *this);
 }
 
-void ASN1T_AccessDescription_traits::set(ASN1CTXT* ctxt, ASN1_T& rec,
-                                          CAccessDescription const& v) {
+void ASN1T_AccessDescription_traits::set(ASN1CTXT* ctxt, ASN1_T& rec, CAccessDescription const& v) {
   ASN1TObjId_traits::set(ctxt, rec.accessMethod, v.get_accessMethod());
   ASN1T_GeneralName_traits::set(ctxt, rec.accessLocation, v.get_accessLocation());
 }

@@ -65,7 +65,7 @@ void CDistributionPointName::decode(CBlob const& der) {
   // get selects and fills in one step, but the decoded value is built apart
   // so that a failure leaves this one whole.
   CDistributionPointName decoded;
-  asn1Decode<ASN1T_DistributionPointName_traits>(der, decoded);
+  detail::decodeWhole<ASN1T_DistributionPointName_traits>(der, decoded);
   std::swap(m_impl, decoded.m_impl);
 }
 
@@ -130,7 +130,7 @@ CBlob CDistributionPoint::encode() const {
   return asn1Encode<ASN1T_DistributionPoint_traits>(*this);
 }
 void CDistributionPoint::decode(CBlob const& der) {
-  asn1Decode<ASN1T_DistributionPoint_traits>(der, *this);
+  detail::decodeWhole<ASN1T_DistributionPoint_traits>(der, *this);
 }
 
 bool operator==(CDistributionPoint const& a, CDistributionPoint const& b) {
@@ -146,7 +146,7 @@ CBlob CCRLDistPointsSyntax::encode() const {
   return asn1Encode<ASN1T_CRLDistPointsSyntax_traits>(*this);
 }
 void CCRLDistPointsSyntax::decode(CBlob const& der) {
-  asn1Decode<ASN1T_CRLDistPointsSyntax_traits>(der, *this);
+  detail::decodeWhole<ASN1T_CRLDistPointsSyntax_traits>(der, *this);
 }
 
 // ---- traits ----
@@ -163,7 +163,7 @@ T* newRecord(ASN1CTXT* ctxt) {
 }  // namespace
 
 void ASN1T_DistributionPointName_traits::set(ASN1CTXT* ctxt, ASN1_T& rec,
-                                              CDistributionPointName const& v) {
+                                             CDistributionPointName const& v) {
   if (CGeneralNames const* names = v.get_fullName()) {
     auto* fullName = newRecord<asn1data::ASN1T_GeneralNames>(ctxt);
     ASN1T_GeneralNames_traits::set(ctxt, *fullName, *names);
@@ -200,8 +200,7 @@ void ASN1T_DistributionPointName_traits::get(ASN1_T const& rec, CDistributionPoi
   }
 }
 
-void ASN1T_DistributionPoint_traits::set(ASN1CTXT* ctxt, ASN1_T& rec,
-                                          CDistributionPoint const& v) {
+void ASN1T_DistributionPoint_traits::set(ASN1CTXT* ctxt, ASN1_T& rec, CDistributionPoint const& v) {
   rec.m.distributionPointPresent = v.get_distributionPoint() ? 1 : 0;
   if (v.get_distributionPoint()) {
     ASN1T_DistributionPointName_traits::set(ctxt, rec.distributionPoint,

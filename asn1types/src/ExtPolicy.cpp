@@ -22,8 +22,7 @@ struct CPolicyQualifierInfo::Impl {
 };
 
 CPolicyQualifierInfo::CPolicyQualifierInfo() : m_impl(new Impl) {}
-CPolicyQualifierInfo::CPolicyQualifierInfo(char const* policyQualifierId,
-                                           CBlob const& qualifier)
+CPolicyQualifierInfo::CPolicyQualifierInfo(char const* policyQualifierId, CBlob const& qualifier)
     : m_impl(new Impl) {
   std::unique_ptr<Impl> guard(m_impl);
   m_impl->policyQualifierId = detail::requireText(policyQualifierId);
@@ -51,16 +50,14 @@ CBlob CPolicyQualifierInfo::encode() const {
   return asn1Encode<ASN1T_PolicyQualifierInfo_traits>(*this);
 }
 void CPolicyQualifierInfo::decode(CBlob const& der) {
-  asn1Decode<ASN1T_PolicyQualifierInfo_traits>(der, *this);
+  detail::decodeWhole<ASN1T_PolicyQualifierInfo_traits>(der, *this);
 }
 
 bool operator==(CPolicyQualifierInfo const& a, CPolicyQualifierInfo const& b) {
   return std::strcmp(a.get_policyQualifierId(), b.get_policyQualifierId()) == 0 &&
          a.get_qualifier() == b.get_qualifier();
 }
-bool operator!=(CPolicyQualifierInfo const& a, CPolicyQualifierInfo const& b) {
-  return !(a == b);
-}
+bool operator!=(CPolicyQualifierInfo const& a, CPolicyQualifierInfo const& b) { return !(a == b); }
 
 // ---- CPolicyInformation ----
 
@@ -105,7 +102,7 @@ CBlob CPolicyInformation::encode() const {
   return asn1Encode<ASN1T_PolicyInformation_traits>(*this);
 }
 void CPolicyInformation::decode(CBlob const& der) {
-  asn1Decode<ASN1T_PolicyInformation_traits>(der, *this);
+  detail::decodeWhole<ASN1T_PolicyInformation_traits>(der, *this);
 }
 
 bool operator==(CPolicyInformation const& a, CPolicyInformation const& b) {
@@ -134,7 +131,7 @@ CBlob CPolicyInformationList::encode() const {
   return asn1Encode<ASN1T_CertificatePolicies_traits>(*this);
 }
 void CPolicyInformationList::decode(CBlob const& der) {
-  asn1Decode<ASN1T_CertificatePolicies_traits>(der, *this);
+  detail::decodeWhole<ASN1T_CertificatePolicies_traits>(der, *this);
 }
 
 // ---- traits ----
@@ -147,7 +144,7 @@ typedef ASN1TArrayList_traits<asn1data::ASN1T_PolicyInformation_policyQualifiers
 }  // namespace
 
 void ASN1T_PolicyQualifierInfo_traits::set(ASN1CTXT* ctxt, ASN1_T& rec,
-                                            CPolicyQualifierInfo const& v) {
+                                           CPolicyQualifierInfo const& v) {
   ASN1TObjId_traits::set(ctxt, rec.policyQualifierId, v.get_policyQualifierId());
   detail::requireOneElement(v.get_qualifier());
   Asn1TObject_traits::set(ctxt, rec.qualifier, v.get_qualifier());
@@ -160,8 +157,7 @@ void ASN1T_PolicyQualifierInfo_traits::get(ASN1_T const& rec, CPolicyQualifierIn
   v.put_qualifier(qualifier);
 }
 
-void ASN1T_PolicyInformation_traits::set(ASN1CTXT* ctxt, ASN1_T& rec,
-                                          CPolicyInformation const& v) {
+void ASN1T_PolicyInformation_traits::set(ASN1CTXT* ctxt, ASN1_T& rec, CPolicyInformation const& v) {
   ASN1TObjId_traits::set(ctxt, rec.policyIdentifier, v.get_policyIdentifier());
   rec.m.policyQualifiersPresent = v.get_policyQualifiers() ? 1 : 0;
   if (v.get_policyQualifiers()) {

@@ -49,11 +49,13 @@ CBlob const& CExtension::get_extnValue() const { return m_impl->extnValue; }
 void CExtension::put_extnValue(CBlob const& der) { m_impl->extnValue = der; }
 
 CBlob CExtension::encode() const { return asn1Encode<ASN1T_Extension_traits>(*this); }
-void CExtension::decode(CBlob const& der) { asn1Decode<ASN1T_Extension_traits>(der, *this); }
+void CExtension::decode(CBlob const& der) {
+  detail::decodeWhole<ASN1T_Extension_traits>(der, *this);
+}
 
 bool operator==(CExtension const& a, CExtension const& b) {
-  return std::strcmp(a.get_extnID(), b.get_extnID()) == 0 &&
-         a.get_critical() == b.get_critical() && a.get_extnValue() == b.get_extnValue();
+  return std::strcmp(a.get_extnID(), b.get_extnID()) == 0 && a.get_critical() == b.get_critical() &&
+         a.get_extnValue() == b.get_extnValue();
 }
 bool operator!=(CExtension const& a, CExtension const& b) { return !(a == b); }
 
@@ -72,7 +74,9 @@ CExtensions::const_iterator CExtensions::find(char const* oid) const {
 }
 
 CBlob CExtensions::encode() const { return asn1Encode<ASN1T_Extensions_traits>(*this); }
-void CExtensions::decode(CBlob const& der) { asn1Decode<ASN1T_Extensions_traits>(der, *this); }
+void CExtensions::decode(CBlob const& der) {
+  detail::decodeWhole<ASN1T_Extensions_traits>(der, *this);
+}
 
 // ---- CrlReason ----
 
@@ -105,11 +109,11 @@ void CrlReason::put_reason(unsigned int reason) {
 }
 
 CBlob CrlReason::encode() const { return asn1Encode<ASN1T_CRLReason_traits>(*this); }
-void CrlReason::decode(CBlob const& der) { asn1Decode<ASN1T_CRLReason_traits>(der, *this); }
-
-bool operator==(CrlReason const& a, CrlReason const& b) {
-  return a.get_reason() == b.get_reason();
+void CrlReason::decode(CBlob const& der) {
+  detail::decodeWhole<ASN1T_CRLReason_traits>(der, *this);
 }
+
+bool operator==(CrlReason const& a, CrlReason const& b) { return a.get_reason() == b.get_reason(); }
 bool operator!=(CrlReason const& a, CrlReason const& b) { return !(a == b); }
 
 // ---- CReasonFlags, CKeyUsage ----
@@ -117,7 +121,9 @@ bool operator!=(CrlReason const& a, CrlReason const& b) { return !(a == b); }
 CReasonFlags::CReasonFlags() {}
 CReasonFlags::CReasonFlags(unsigned int mask) : CNamedBits(mask) {}
 CBlob CReasonFlags::encode() const { return asn1Encode<ASN1T_ReasonFlags_traits>(*this); }
-void CReasonFlags::decode(CBlob const& der) { asn1Decode<ASN1T_ReasonFlags_traits>(der, *this); }
+void CReasonFlags::decode(CBlob const& der) {
+  detail::decodeWhole<ASN1T_ReasonFlags_traits>(der, *this);
+}
 bool operator==(CReasonFlags const& a, CReasonFlags const& b) {
   return a.get_flags() == b.get_flags();
 }
@@ -126,7 +132,7 @@ bool operator!=(CReasonFlags const& a, CReasonFlags const& b) { return !(a == b)
 CKeyUsage::CKeyUsage() {}
 CKeyUsage::CKeyUsage(unsigned int mask) : CNamedBits(mask) {}
 CBlob CKeyUsage::encode() const { return asn1Encode<ASN1T_KeyUsage_traits>(*this); }
-void CKeyUsage::decode(CBlob const& der) { asn1Decode<ASN1T_KeyUsage_traits>(der, *this); }
+void CKeyUsage::decode(CBlob const& der) { detail::decodeWhole<ASN1T_KeyUsage_traits>(der, *this); }
 bool operator==(CKeyUsage const& a, CKeyUsage const& b) { return a.get_flags() == b.get_flags(); }
 bool operator!=(CKeyUsage const& a, CKeyUsage const& b) { return !(a == b); }
 
@@ -180,7 +186,7 @@ CBlob CExtPrivateKeyUsagePeriod::encode() const {
   return asn1Encode<ASN1T_PrivateKeyUsagePeriod_traits>(*this);
 }
 void CExtPrivateKeyUsagePeriod::decode(CBlob const& der) {
-  asn1Decode<ASN1T_PrivateKeyUsagePeriod_traits>(der, *this);
+  detail::decodeWhole<ASN1T_PrivateKeyUsagePeriod_traits>(der, *this);
 }
 
 bool operator==(CExtPrivateKeyUsagePeriod const& a, CExtPrivateKeyUsagePeriod const& b) {

@@ -59,7 +59,7 @@ void ASN1T_KeyUsage_traits::get(ASN1_T const& rec, CKeyUsage& v) {
 }
 
 void ASN1T_PrivateKeyUsagePeriod_traits::set(ASN1CTXT* ctxt, ASN1_T& rec,
-                                              CExtPrivateKeyUsagePeriod const& v) {
+                                             CExtPrivateKeyUsagePeriod const& v) {
   rec.m.notBeforePresent = v.get_notBefore() ? 1 : 0;
   if (v.get_notBefore()) ASN1GeneralizedTime_traits::set(ctxt, rec.notBefore, *v.get_notBefore());
   rec.m.notAfterPresent = v.get_notAfter() ? 1 : 0;

@@ -74,6 +74,12 @@ bool parseOid(char const* text, ASN1OBJID* oid) {
     if (*p++ != '.') return false;
   }
   oid->numids = count;
+  // X.690 8.19.4: the first two arcs share one subidentifier, so there are
+  // at least two, the first is 0, 1 or 2, and under 0 and 1 the second is
+  // below 40 (X.660); under 2 the shared value must fit 32 bits.
+  if (count < 2 || oid->subid[0] > 2) return false;
+  if (oid->subid[0] < 2 && oid->subid[1] > 39) return false;
+  if (oid->subid[0] == 2 && oid->subid[1] > 0xFFFFFFFFu - 80) return false;
   return true;
 }
 

@@ -28,9 +28,10 @@ inline bool isSingleElement(CBlob const& der) {
 bool isCharStringTag(unsigned char tag);
 
 // parseOid reads strict dotted OID text (decimal arcs of at most 32 bits
-// separated by single dots, nothing else, at most 128 arcs) into *oid and
-// returns true, or false. It accepts every text oid2str writes, also a last
-// arc of 4294967295 that str2oid refuses, so a decoded OID encodes again.
+// separated by single dots, nothing else, at most 128 arcs) of an OID that
+// DER can encode (at least two arcs, X.660 rules for the first two) into
+// *oid and returns true, or false. It accepts every text oid2str writes for
+// a decoded OID, also a last arc of 4294967295 that str2oid refuses.
 bool parseOid(char const* text, ASN1OBJID* oid);
 
 // hexText: the bytes as upper-case hex digits, no separators.

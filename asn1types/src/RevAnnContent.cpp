@@ -33,8 +33,8 @@ struct CRevAnnContent::Impl {
 
 CRevAnnContent::CRevAnnContent() : m_impl(new Impl) {}
 
-CRevAnnContent::CRevAnnContent(int status, CCertId const& certId,
-                               CDateTime const& willBeRevokedAt, CDateTime const& badSinceDate)
+CRevAnnContent::CRevAnnContent(int status, CCertId const& certId, CDateTime const& willBeRevokedAt,
+                               CDateTime const& badSinceDate)
     : m_impl(new Impl) {
   std::unique_ptr<Impl> guard(m_impl);
   m_impl->status = status;
@@ -56,9 +56,7 @@ void CRevAnnContent::put_status(int status) { m_impl->status = status; }
 CCertId const& CRevAnnContent::get_certId() const { return m_impl->certId; }
 void CRevAnnContent::put_certId(CCertId const& certId) { m_impl->certId = certId; }
 CDateTime const& CRevAnnContent::get_willBeRevokedAt() const { return m_impl->willBeRevokedAt; }
-void CRevAnnContent::put_willBeRevokedAt(CDateTime const& time) {
-  m_impl->willBeRevokedAt = time;
-}
+void CRevAnnContent::put_willBeRevokedAt(CDateTime const& time) { m_impl->willBeRevokedAt = time; }
 CDateTime const& CRevAnnContent::get_badSinceDate() const { return m_impl->badSinceDate; }
 void CRevAnnContent::put_badSinceDate(CDateTime const& time) { m_impl->badSinceDate = time; }
 CExtensions const* CRevAnnContent::get_crlDetails() const { return m_impl->crlDetails.get(); }
@@ -68,7 +66,7 @@ void CRevAnnContent::put_crlDetails(CExtensions const* crlDetails) {
 
 CBlob CRevAnnContent::encode() const { return asn1Encode<ASN1T_RevAnnContent_traits>(*this); }
 void CRevAnnContent::decode(CBlob const& der) {
-  asn1Decode<ASN1T_RevAnnContent_traits>(der, *this);
+  detail::decodeWhole<ASN1T_RevAnnContent_traits>(der, *this);
 }
 
 bool operator==(CRevAnnContent const& a, CRevAnnContent const& b) {

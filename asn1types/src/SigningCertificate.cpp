@@ -81,8 +81,7 @@ struct SigningCertificateCodec {
 
 // ---- CAttrSigningCertificate ----
 
-CAttrSigningCertificate::CAttrSigningCertificate(PartsOnly)
-    : CAttrValue(kOidSigningCertificate) {}
+CAttrSigningCertificate::CAttrSigningCertificate(PartsOnly) : CAttrValue(kOidSigningCertificate) {}
 CAttrSigningCertificate::CAttrSigningCertificate() : CAttrValue(kOidSigningCertificate) {
   encode();
 }
@@ -98,8 +97,7 @@ CAttrSigningCertificate::CAttrSigningCertificate(CAttrSigningCertificate const& 
     : CAttrValue(other), m_certs(other.m_certs) {
   SigningCertificateCodec::copyParts(*this, other);
 }
-CAttrSigningCertificate& CAttrSigningCertificate::operator=(
-    CAttrSigningCertificate const& other) {
+CAttrSigningCertificate& CAttrSigningCertificate::operator=(CAttrSigningCertificate const& other) {
   SigningCertificateCodec::assign(*this, other);
   return *this;
 }
@@ -116,8 +114,7 @@ void CAttrSigningCertificate::put_policies(CPolicyInformationList const* policie
   SigningCertificateCodec::store<ASN1T_SigningCertificate_traits>(*this, m_certs, policies);
 }
 CBlob const& CAttrSigningCertificate::encode() {
-  SigningCertificateCodec::store<ASN1T_SigningCertificate_traits>(*this, m_certs,
-                                                                   m_policies.get());
+  SigningCertificateCodec::store<ASN1T_SigningCertificate_traits>(*this, m_certs, m_policies.get());
   return get_value();
 }
 void CAttrSigningCertificate::decode() {
@@ -128,7 +125,7 @@ void CAttrSigningCertificate::decode(CBlob const& der) {
 }
 
 void ASN1T_SigningCertificate_traits::set(ASN1CTXT* ctxt, ASN1_T& rec,
-                                           CAttrSigningCertificate const& v) {
+                                          CAttrSigningCertificate const& v) {
   SigningCertificateCodec::setRecord<ASN1T__SeqOfESSCertID_traits>(ctxt, rec, v);
 }
 void ASN1T_SigningCertificate_traits::get(ASN1_T const& rec, CAttrSigningCertificate& v) {
@@ -163,8 +160,7 @@ CAttrSigningCertificateV2::~CAttrSigningCertificateV2() = default;
 
 CESSCertIDv2List const& CAttrSigningCertificateV2::get_certs() const { return m_certs; }
 void CAttrSigningCertificateV2::put_certs(CESSCertIDv2List const& certs) {
-  SigningCertificateCodec::store<ASN1T_SigningCertificateV2_traits>(*this, certs,
-                                                                     m_policies.get());
+  SigningCertificateCodec::store<ASN1T_SigningCertificateV2_traits>(*this, certs, m_policies.get());
 }
 CPolicyInformationList const* CAttrSigningCertificateV2::get_policies() const {
   return m_policies.get();
@@ -174,7 +170,7 @@ void CAttrSigningCertificateV2::put_policies(CPolicyInformationList const* polic
 }
 CBlob const& CAttrSigningCertificateV2::encode() {
   SigningCertificateCodec::store<ASN1T_SigningCertificateV2_traits>(*this, m_certs,
-                                                                     m_policies.get());
+                                                                    m_policies.get());
   return get_value();
 }
 void CAttrSigningCertificateV2::decode() {
@@ -185,7 +181,7 @@ void CAttrSigningCertificateV2::decode(CBlob const& der) {
 }
 
 void ASN1T_SigningCertificateV2_traits::set(ASN1CTXT* ctxt, ASN1_T& rec,
-                                             CAttrSigningCertificateV2 const& v) {
+                                            CAttrSigningCertificateV2 const& v) {
   SigningCertificateCodec::setRecord<ASN1T__SeqOfESSCertIDv2_traits>(ctxt, rec, v);
 }
 void ASN1T_SigningCertificateV2_traits::get(ASN1_T const& rec, CAttrSigningCertificateV2& v) {
@@ -223,7 +219,7 @@ CAttrOtherSigningCertificate::~CAttrOtherSigningCertificate() = default;
 COtherCertIDList const& CAttrOtherSigningCertificate::get_certs() const { return m_certs; }
 void CAttrOtherSigningCertificate::put_certs(COtherCertIDList const& certs) {
   SigningCertificateCodec::store<ASN1T_OtherSigningCertificate_traits>(*this, certs,
-                                                                        m_policies.get());
+                                                                       m_policies.get());
 }
 CPolicyInformationList const* CAttrOtherSigningCertificate::get_policies() const {
   return m_policies.get();
@@ -233,7 +229,7 @@ void CAttrOtherSigningCertificate::put_policies(CPolicyInformationList const* po
 }
 CBlob const& CAttrOtherSigningCertificate::encode() {
   SigningCertificateCodec::store<ASN1T_OtherSigningCertificate_traits>(*this, m_certs,
-                                                                        m_policies.get());
+                                                                       m_policies.get());
   return get_value();
 }
 void CAttrOtherSigningCertificate::decode() {
@@ -244,11 +240,10 @@ void CAttrOtherSigningCertificate::decode(CBlob const& der) {
 }
 
 void ASN1T_OtherSigningCertificate_traits::set(ASN1CTXT* ctxt, ASN1_T& rec,
-                                                CAttrOtherSigningCertificate const& v) {
+                                               CAttrOtherSigningCertificate const& v) {
   SigningCertificateCodec::setRecord<ASN1T__SeqOfOtherCertID_traits>(ctxt, rec, v);
 }
-void ASN1T_OtherSigningCertificate_traits::get(ASN1_T const& rec,
-                                                CAttrOtherSigningCertificate& v) {
+void ASN1T_OtherSigningCertificate_traits::get(ASN1_T const& rec, CAttrOtherSigningCertificate& v) {
   SigningCertificateCodec::getRecord<ASN1T__SeqOfOtherCertID_traits>(rec, v);
 }
 

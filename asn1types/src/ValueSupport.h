@@ -6,12 +6,12 @@
 #include <korvex/asn1rt/asn1type.h>
 #include <korvex/asn1types/ErrorCodes.h>
 #include <korvex/asn1types/PrimitiveTraits.h>
+#include <korvex/asn1types/Traits.h>
 #include <korvex/core/Blob.h>
 #include <korvex/core/DateTime.h>
 #include <korvex/core/StringProxy.h>
 
 #include <cstddef>
-
 #include <memory>
 #include <string>
 
@@ -48,6 +48,14 @@ void requireOneElement(CBlob const& der);
 // record. Text the parser refuses is a decoding failure of the value
 // (0x80093101), not a parser error code.
 CDateTime readGeneralizedTime(char const* text);
+
+// decodeWhole: asn1Decode of a blob that must be exactly one element: bytes
+// after it are refused (0x80093101) rather than ignored.
+template <class Traits, class Value>
+void decodeWhole(CBlob const& der, Value& v) {
+  requireOneElement(der);
+  asn1Decode<Traits>(der, v);
+}
 
 // assignImpl: the copy assignment of a value class: a deep copy of *source
 // replaces *impl only once it is complete, so a copy that throws changes

@@ -1,7 +1,8 @@
 // The distinguished-name text parser on arbitrary text (the input read as
 // UTF-8, ill-formed octets as U+FFFD, up to its first NUL). Whatever parses
-// must encode; its DER must decode to the same name; the exact text of that
-// name must read back to the same DER; the readable text must be writable.
+// must encode; its DER must decode and encode to the same bytes; the exact
+// text of that name must read back to the same DER; the readable text must
+// be writable.
 #include <korvex/asn1types/DistinguishedNameText.h>
 #include <korvex/asn1types/Names.h>
 #include <korvex/platform/atl/atlexcept.h>
@@ -56,7 +57,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Korvex::CBlob der = name.encode();
     CName decoded;
     decoded.decode(der);
-    if (!(decoded == name)) abort();
+    // The same name: equal bytes (a multi-valued RDN comes back in DER
+    // order, not in the order of the text).
+    if (decoded.encode() != der || decoded.size() != name.size()) abort();
     std::wstring exact = decoded.toString(ntfExact).c_str();
     if (NameFromString(exact.c_str()).encode() != der) abort();
     std::wstring readable = decoded.toString().c_str();

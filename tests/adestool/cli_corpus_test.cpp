@@ -2,9 +2,8 @@
 // corpus (../shared/corpus, skipped when absent): each run ends with status
 // 0 or 2, never a crash or a hang, and a status 2 comes with one message
 // line naming the file.
-#include <gtest/gtest.h>
-
 #include <dirent.h>
+#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <algorithm>

@@ -13,10 +13,10 @@ namespace {
 
 struct DumpCase {
   const char* what;
-  const char* hex;     // the input bytes
-  const char* tree;    // the exact standard output
+  const char* hex;   // the input bytes
+  const char* tree;  // the exact standard output
   int status;
-  const char* error;   // the message after "adestool: FILE: ", or "" for none
+  const char* error;  // the message after "adestool: FILE: ", or "" for none
 };
 
 void RunDumpCases(const std::vector<DumpCase>& cases) {
@@ -42,8 +42,7 @@ TEST(DumpTree, BerForms) {
        "   7+2      OCTET STRING (2): AB CD\n"
        "  11+2      OCTET STRING (0): (empty)\n",
        0, ""},
-      {"nested OCTET STRINGs are decoded below their parent",
-       "04 05 04 03 02 01 07",
+      {"nested OCTET STRINGs are decoded below their parent", "04 05 04 03 02 01 07",
        "   0+2  OCTET STRING (5): encapsulates\n"
        "   2+2    OCTET STRING (3): encapsulates\n"
        "   4+2      INTEGER (1): 7\n",
@@ -64,8 +63,7 @@ TEST(DumpTree, BerForms) {
        "  11+6  SEQUENCE (3)\n"
        "  17+2    INTEGER (1): 9\n",
        0, ""},
-      {"a SEQUENCE in primitive form is shown as octets",
-       "10 02 05 00  31 00",
+      {"a SEQUENCE in primitive form is shown as octets", "10 02 05 00  31 00",
        "   0+2  SEQUENCE, primitive (2): 05 00\n"
        "   4+2  SET (0)\n",
        0, ""},
@@ -217,8 +215,8 @@ TEST(DumpTree, EncapsulationNeedsExactlyOneWellFormedElement) {
        0, ""},
       {"truncated element", "04 03 30 05 00", "   0+2  OCTET STRING (3): 30 05 00\n", 0, ""},
       {"end-of-contents octets", "04 02 00 00", "   0+2  OCTET STRING (2): 00 00\n", 0, ""},
-      {"bits with unused bits", "03 04 01 02 01 06", "   0+2  BIT STRING (4): 02 01 06, 1 unused bit\n",
-       0, ""},
+      {"bits with unused bits", "03 04 01 02 01 06",
+       "   0+2  BIT STRING (4): 02 01 06, 1 unused bit\n", 0, ""},
   });
 }
 
@@ -261,8 +259,7 @@ TEST(DumpCertificate, FirstLinesOfTheRsaSigner) {
   EXPECT_NE(std::string::npos, r.out.find(" 331+4        BIT STRING (271): encapsulates\n"
                                           " 336+4          SEQUENCE (266)\n"));
   EXPECT_NE(std::string::npos, r.out.find("            INTEGER (3): 65537\n"));
-  EXPECT_NE(std::string::npos,
-            r.out.find("                [1] (21): \"signer@korvex.example\"\n"));
+  EXPECT_NE(std::string::npos, r.out.find("                [1] (21): \"signer@korvex.example\"\n"));
 }
 
 TEST(DumpCertificate, RootNotAfterIsAGeneralizedTime) {
@@ -297,9 +294,11 @@ TEST(DumpHex, IsTheLibraryHexDump) {
   std::string path = dir.Write("small.der", HexBytes("30 03 02 01 05 41 42 43 44 45"));
   RunResult r = RunTool({"dump", "--hex", path});
   EXPECT_EQ(0, r.status);
-  EXPECT_EQ("30 03 02 01 05 41 42 43   0....ABC\n"
-            "44 45" + std::string(12, ' ') + "   DE\n",
-            r.out);
+  EXPECT_EQ(
+      "30 03 02 01 05 41 42 43   0....ABC\n"
+      "44 45" +
+          std::string(12, ' ') + "   DE\n",
+      r.out);
   EXPECT_EQ("", r.err);
   // Any bytes: a truncated element is still dumped.
   path = dir.Write("bad.der", HexBytes("30 06 02"));

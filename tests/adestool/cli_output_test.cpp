@@ -1,6 +1,5 @@
 // cli_output_test.cpp: -o writes whole files or nothing, and never the input.
 #include <gtest/gtest.h>
-
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -97,8 +96,13 @@ TEST(DumpOutput, RefusesToWriteOverTheInput) {
     std::string named;  // the output as the message names it
   } cases[] = {
       {"same path", {"dump", in, "-o", in}, "", in},
-      {"another spelling", {"dump", in, "-o", dir.path() + "/./in.der"}, "", dir.path() + "/./in.der"},
-      {"a symbolic link to it", {"dump", in, "-o", dir.path() + "/link.der"}, "",
+      {"another spelling",
+       {"dump", in, "-o", dir.path() + "/./in.der"},
+       "",
+       dir.path() + "/./in.der"},
+      {"a symbolic link to it",
+       {"dump", in, "-o", dir.path() + "/link.der"},
+       "",
        dir.path() + "/link.der"},
       {"a hard link to it", {"dump", dir.path() + "/hard.der", "-o", in}, "", in},
   };

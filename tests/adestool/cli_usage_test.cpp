@@ -20,7 +20,8 @@ TEST(Usage, HelpAndVersionGoToStandardOutputWithStatus0) {
       {{"help"}, "Usage: adestool COMMAND [OPTIONS] ARGUMENTS"},
       {{"help", "dump"}, "Usage: adestool dump FILE [--asn1 | --hex] [-o FILE]"},
       {{"dump", "--help"}, "Usage: adestool dump FILE [--asn1 | --hex] [-o FILE]"},
-      {{"dump", "x.der", "--bogus-later", "-h"}, "Usage: adestool dump FILE [--asn1 | --hex] [-o FILE]"},
+      {{"dump", "x.der", "--bogus-later", "-h"},
+       "Usage: adestool dump FILE [--asn1 | --hex] [-o FILE]"},
       {{"--version"}, std::string("adestool ") + ADESTOOL_EXPECTED_VERSION},
   };
   for (const Case& c : cases) {
@@ -51,7 +52,8 @@ TEST(Usage, ErrorsAreOneLineWithStatus2) {
       {{"dump", "a", "b"}, "dump: unexpected argument 'b' (try 'adestool dump --help')"},
       {{"dump", "--hex", "--asn1", "a"},
        "dump: --hex and --asn1 exclude each other (try 'adestool dump --help')"},
-      {{"dump", "--hex=yes", "a"}, "dump: option '--hex' takes no value (try 'adestool dump --help')"},
+      {{"dump", "--hex=yes", "a"},
+       "dump: option '--hex' takes no value (try 'adestool dump --help')"},
       {{"dump", "a", "-o"}, "dump: option '-o' needs a value (FILE) (try 'adestool dump --help')"},
       {{"dump", "a", "--output"},
        "dump: option '--output' needs a value (FILE) (try 'adestool dump --help')"},

@@ -9,11 +9,11 @@
 namespace adestool_test {
 
 struct RunResult {
-  int status = -1;     // exit status, or -1 when the program did not exit
-  int signal = 0;      // the signal that ended it, if any
+  int status = -1;  // exit status, or -1 when the program did not exit
+  int signal = 0;   // the signal that ended it, if any
   bool timedOut = false;
-  std::string out;     // standard output
-  std::string err;     // standard error
+  std::string out;  // standard output
+  std::string err;  // standard error
 };
 
 // RunTool runs adestool with args, standard input read from stdinData.

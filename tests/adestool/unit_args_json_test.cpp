@@ -23,10 +23,9 @@ const std::vector<OptionSpec> kSpecs = {
 };
 
 TEST(Args, FormsOfOptionsAndArguments) {
-  adestool::ParsedArgs a = ParseArgs(
-      {"in.der", "--json", "-o", "-", "--cert=a.der", "-cb.der", "--cert", "--c.der", "-v", "-v",
-       "-", "--", "--json", "-o"},
-      kSpecs, "inspect");
+  adestool::ParsedArgs a = ParseArgs({"in.der", "--json", "-o", "-", "--cert=a.der", "-cb.der",
+                                      "--cert", "--c.der", "-v", "-v", "-", "--", "--json", "-o"},
+                                     kSpecs, "inspect");
   EXPECT_EQ((std::vector<std::string>{"in.der", "-", "--json", "-o"}), a.positionals());
   EXPECT_TRUE(a.Has("json"));
   ASSERT_NE(nullptr, a.Value("output"));
@@ -62,8 +61,7 @@ TEST(Args, UsageErrors) {
       ADD_FAILURE() << "no error";
     } catch (const adestool::ToolError& e) {
       EXPECT_EQ(2, e.status());
-      EXPECT_EQ(std::string("adestool: inspect: ") + c.message +
-                    " (try 'adestool inspect --help')",
+      EXPECT_EQ(std::string("adestool: inspect: ") + c.message + " (try 'adestool inspect --help')",
                 e.what());
     }
   }
@@ -123,7 +121,10 @@ TEST(Json, StringEscaping) {
       {"\b\f\n\r\t", "\"\\b\\f\\n\\r\\t\""},
       {std::string("\x00\x01\x1F", 3), "\"\\u0000\\u0001\\u001F\""},
       {"\xD0\x9A\xF0\x9F\x98\x80", "\"\xD0\x9A\xF0\x9F\x98\x80\""},
-      {"a\xFF" "b\xC3", "\"a\xEF\xBF\xBD" "b\xEF\xBF\xBD\""},
+      {"a\xFF"
+       "b\xC3",
+       "\"a\xEF\xBF\xBD"
+       "b\xEF\xBF\xBD\""},
       {"\xED\xA0\x80", "\"\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\""},
   };
   for (const Case& c : cases) {

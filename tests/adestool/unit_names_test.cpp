@@ -33,9 +33,9 @@ TEST(Names, PlatformNamesFirstThenOurTable) {
     const char* oid;
     const char* name;
   } cases[] = {
-      {"2.5.4.3", "CN"},                                      // platform
+      {"2.5.4.3", "CN"},                                         // platform
       {"1.2.840.113549.1.9.16.2.47", "Signing Certificate V2"},  // platform wins over ours
-      {"1.2.840.113549.1.7.2", "id-signedData"},              // ours
+      {"1.2.840.113549.1.7.2", "id-signedData"},                 // ours
       {"1.2.840.113549.1.9.16.2.4", "id-aa-contentHint"},
       {"0.4.0.1733.2.4", "id-aa-ets-archiveTimestampV3"},
       {"1.3.6.1.5.5.7.48.1.1", "id-pkix-ocsp-basic"},

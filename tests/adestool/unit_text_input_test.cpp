@@ -118,8 +118,8 @@ TEST(InputForm, DetectedFromTheContents) {
     size_t items;
   } cases[] = {
       {"DER", std::string("\x30\x03\x02\x01\x05", 5), adestool::InputForm::kDer, 1},
-      {"DER that starts like text", std::string("0\x03\x02\x01\x05", 5),
-       adestool::InputForm::kDer, 1},
+      {"DER that starts like text", std::string("0\x03\x02\x01\x05", 5), adestool::InputForm::kDer,
+       1},
       {"base64", "MAMCAQU=\n", adestool::InputForm::kBase64, 1},
       {"PEM", "-----BEGIN A-----\nMAMCAQU=\n-----END A-----\n", adestool::InputForm::kPem, 1},
       {"PEM with UTF-8 text", "\xD0\x9F\xD0\xB8\n-----BEGIN A-----\nMAA=\n-----END A-----\n",

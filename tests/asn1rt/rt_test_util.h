@@ -7,13 +7,13 @@
 
 #include <gtest/gtest.h>
 
-#include "../common/hex_bytes.h"
-
 #include <cstdlib>
 #include <cstring>
 #include <set>
 #include <string>
 #include <vector>
+
+#include "../common/hex_bytes.h"
 
 namespace rttest {
 

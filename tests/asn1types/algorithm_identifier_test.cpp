@@ -92,7 +92,6 @@ TEST(AlgorithmIdentifierTest, DecodeFailuresLeaveTheValue) {
       "30 0B 06 09 60 86 48 01 65 03 04 02",   // truncated
       "31 0B 06 09 60 86 48 01 65 03 04 02 01",  // SET, not SEQUENCE
       "30 02 05 00",                           // no OID
-      "30 0D 06 09 60 86 48 01 65 03 04 02 01 02 00",  // sha256 with a bad INTEGER
       "30 0F 06 09 60 86 48 01 65 03 04 02 01 05 00 05 00",  // extra element
   };
   for (char const* hex : bad) {
@@ -105,6 +104,16 @@ TEST(AlgorithmIdentifierTest, DecodeFailuresLeaveTheValue) {
     EXPECT_EQ("05 00", Hex(alg.get_parameters()));
     EXPECT_EQ(7u, alg.get_cachedInfo());
   }
+}
+
+TEST(AlgorithmIdentifierTest, ReceivedParametersOfAnotherTypeAreKeptButNotWritten) {
+  // The decoder keeps bytes that are not of the algorithm's parameters type
+  // raw (the element around them is sound); writing them is refused.
+  CAlgorithmIdentifier alg;
+  alg.decode(Blob("30 0E 06 09 60 86 48 01 65 03 04 02 01 02 01 05"));
+  EXPECT_STREQ(kSha256, alg.get_algorithm());
+  EXPECT_EQ("02 01 05", Hex(alg.get_parameters()));
+  EXPECT_EQ(0x80093101u, ThrownCode([&] { alg.encode(); }));
 }
 
 TEST(AlgorithmIdentifierTest, EqualityComparesOidTextAndParameterBytes) {

@@ -79,8 +79,7 @@ TEST_F(AttributeTest, AttributeExactDer) {
 TEST_F(AttributeTest, AttributeValuesAndErrors) {
   CAttribute attr(kOidMessageDigest);
   // A value of another type is refused; one without a type takes this one.
-  EXPECT_EQ(ThrownCode([&] { attr.add(CAttrValue(kOidContentType, Blob("04 00"))); }),
-            0x80070057u);
+  EXPECT_EQ(ThrownCode([&] { attr.add(CAttrValue(kOidContentType, Blob("04 00"))); }), 0x80070057u);
   attr.add(CAttrValue(nullptr, Blob("04 00")));
   attr.add(CAttrMessageDigest(Blob("01 02")));
   ASSERT_EQ(attr.size(), 2u);
@@ -106,8 +105,9 @@ TEST_F(AttributeTest, AttributeValuesAndErrors) {
   // Malformed DER leaves the attribute as it was.
   CAttribute keep(kOidContentType);
   keep.add(Blob(kDataOidDer));
-  for (char const* bad : {"30 0F 06 09 2A 86 48 86 F7 0D 01 09 04 31 02 04", "31 06 06 02 2A 03 31 00",
-                          "30 06 06 02 2A 03 30 00", "30 04 06 02 2A 03"}) {
+  for (char const* bad :
+       {"30 0F 06 09 2A 86 48 86 F7 0D 01 09 04 31 02 04", "31 06 06 02 2A 03 31 00",
+        "30 06 06 02 2A 03 30 00", "30 04 06 02 2A 03"}) {
     SCOPED_TRACE(bad);
     EXPECT_EQ(ThrownCode([&] { keep.decode(Blob(bad)); }), 0x80093101u);
     EXPECT_STREQ(keep.get_oid(), kOidContentType);
@@ -212,8 +212,10 @@ TEST_F(AttributeTest, SigningTimeUtcAndGeneralized) {
     unsigned type;
     char const* der;
   } const cases[] = {
-      {CDateTime(2049, 12, 31, 23, 59, 59, 0, 0), 1, "17 0D 34 39 31 32 33 31 32 33 35 39 35 39 5A"},
-      {CDateTime(2050, 1, 1, 0, 0, 0, 0, 0), 2, "18 0F 32 30 35 30 30 31 30 31 30 30 30 30 30 30 5A"},
+      {CDateTime(2049, 12, 31, 23, 59, 59, 0, 0), 1,
+       "17 0D 34 39 31 32 33 31 32 33 35 39 35 39 5A"},
+      {CDateTime(2050, 1, 1, 0, 0, 0, 0, 0), 2,
+       "18 0F 32 30 35 30 30 31 30 31 30 30 30 30 30 30 5A"},
       {CDateTime(1950, 1, 1, 0, 0, 0, 0, 0), 1, "17 0D 35 30 30 31 30 31 30 30 30 30 30 30 5A"},
   };
   for (Case const& c : cases) {

@@ -23,7 +23,7 @@ class CmpStatusTest : public testing::Test {
 
 TEST_F(CmpStatusTest, FreeTextExactDer) {
   CPKIFreeText text(L"ok");
-  text.add(L"\u0416");  // Cyrillic Zhe: two UTF-8 octets
+  text.add(L"\u0416");      // Cyrillic Zhe: two UTF-8 octets
   text.add(L"\U0001F600");  // outside the BMP: four octets
   CBlob der = text.encode();
   EXPECT_EQ(Hex(der), "30 0E 0C 02 6F 6B 0C 02 D0 96 0C 04 F0 9F 98 80");

@@ -4,7 +4,6 @@
 #ifndef KORVEX_TESTS_ASN1TYPES_DER_WALK_H
 #define KORVEX_TESTS_ASN1TYPES_DER_WALK_H
 
-#include <gtest/gtest.h>
 #include <korvex/core/Blob.h>
 
 #include <cstddef>

@@ -59,8 +59,11 @@ TEST_F(ExtensionValuesTest, ExtensionBerAndErrors) {
 
   // Malformed DER: the value keeps what it held.
   CExtension keep("2.5.29.15", Blob("03 02 05 A0"), true);
-  for (char const* bad : {"30 0C 06 03 55 1D 13 01 01 FF 04 02 30", "31 09 06 03 55 1D 13 04 02 30 00",
-                          "30 05 06 03 55 1D 13", "04 00"}) {
+  // (The last: one element and a byte after it, refused rather than
+  // ignored.)
+  for (char const* bad :
+       {"30 0C 06 03 55 1D 13 01 01 FF 04 02 30", "31 09 06 03 55 1D 13 04 02 30 00",
+        "30 05 06 03 55 1D 13", "04 00", "30 09 06 03 55 1D 13 04 02 30 00 00"}) {
     SCOPED_TRACE(bad);
     EXPECT_EQ(ThrownCode([&] { keep.decode(Blob(bad)); }), 0x80093101u);
     EXPECT_STREQ(keep.get_extnID(), "2.5.29.15");
@@ -98,9 +101,10 @@ TEST_F(ExtensionValuesTest, ExtensionsListInOrder) {
   list.push_back(CExtension("2.5.29.19", Blob("30 00"), true));
   list.push_back(CExtension("2.5.29.15", Blob("03 02 07 80"), true));
   CBlob der = list.encode();
-  EXPECT_EQ(Hex(der),
-            "30 1E 30 0C 06 03 55 1D 13 01 01 FF 04 02 30 00 30 0E 06 03 55 1D 0F 01 01 FF 04 04 03 "
-            "02 07 80");
+  EXPECT_EQ(
+      Hex(der),
+      "30 1E 30 0C 06 03 55 1D 13 01 01 FF 04 02 30 00 30 0E 06 03 55 1D 0F 01 01 FF 04 04 03 "
+      "02 07 80");
   CExtensions back;
   back.push_back(CExtension("1.2.3", CBlob()));
   back.decode(der);
@@ -119,8 +123,10 @@ TEST_F(ExtensionValuesTest, CrlReasonValues) {
   struct Case {
     unsigned reason;
     char const* der;
-  } const cases[] = {{CrlReason::unspecified, "0A 01 00"},  {CrlReason::keyCompromise, "0A 01 01"},
-                     {CrlReason::certificateHold, "0A 01 06"}, {CrlReason::removeFromCRL, "0A 01 08"},
+  } const cases[] = {{CrlReason::unspecified, "0A 01 00"},
+                     {CrlReason::keyCompromise, "0A 01 01"},
+                     {CrlReason::certificateHold, "0A 01 06"},
+                     {CrlReason::removeFromCRL, "0A 01 08"},
                      {CrlReason::aACompromise, "0A 01 0A"}};
   for (Case const& c : cases) {
     SCOPED_TRACE(c.der);
@@ -135,7 +141,7 @@ TEST_F(ExtensionValuesTest, CrlReasonValues) {
   EXPECT_EQ(ThrownCode([&] { r.put_reason(7); }), 0x80070057u);
   EXPECT_EQ(ThrownCode([&] { CrlReason bad(11); }), 0x80070057u);
   EXPECT_EQ(r.get_reason(), 4u);
-  for (char const* bad : {"0A 01 07", "0A 01 0B", "02 01 01", "0A 00", "0A 02 00"}) {
+  for (char const* bad : {"0A 01 07", "0A 01 0B", "02 01 01", "0A 00", "0A 02 00", "0A 01 01 00"}) {
     SCOPED_TRACE(bad);
     EXPECT_EQ(ThrownCode([&] { r.decode(Blob(bad)); }), 0x80093101u);
     EXPECT_EQ(r.get_reason(), 4u);
@@ -149,11 +155,11 @@ TEST_F(ExtensionValuesTest, NamedBitStrings) {
     unsigned mask;
     char const* der;
   } const cases[] = {
-      {0, "03 01 00"},                       // no bit: the empty BIT STRING
-      {1u << 0, "03 02 07 80"},              // bit 0 only
+      {0, "03 01 00"},                         // no bit: the empty BIT STRING
+      {1u << 0, "03 02 07 80"},                // bit 0 only
       {(1u << 1) | (1u << 2), "03 02 05 60"},  // trailing zero bits dropped (X.690 11.2.2)
-      {1u << 8, "03 03 07 00 80"},           // bit 8: a second octet
-      {1u << 31, "03 05 00 00 00 00 01"},     // the last bit a mask holds
+      {1u << 8, "03 03 07 00 80"},             // bit 8: a second octet
+      {1u << 31, "03 05 00 00 00 00 01"},      // the last bit a mask holds
   };
   for (Case const& c : cases) {
     SCOPED_TRACE(c.der);

@@ -179,6 +179,38 @@ class EmitterTest(unittest.TestCase):
         self.assertNotIn("asn1E__SeqOfX", source)
 
 
+    def test_catalogue_forms(self):
+        """The forms the catalogue modules need: a value renamed by a directive,
+        a record of its own for a size-constrained OCTET STRING component, an
+        OCTET STRING holding a table-constrained type (X.682 11), object sets in
+        key order, and X.680 31.2.7 applied to a type still being built."""
+        mod, header, source = self.compile(
+            "ALG ::= CLASS { &id OBJECT IDENTIFIER UNIQUE, &Type OPTIONAL }\n"
+            "  WITH SYNTAX { IDENTIFIED BY &id [PARMS &Type] }\n"
+            "big-Name OBJECT IDENTIFIER ::= { 1 2 9 }\n"
+            "b ALG ::= { IDENTIFIED BY { 1 2 7 } PARMS INTEGER }\n"
+            "a ALG ::= { IDENTIFIED BY { 1 2 3 4 } PARMS BOOLEAN }\n"
+            "c ALG ::= { IDENTIFIED BY { 1 2 3 } }\n"
+            "Set ALG ::= { b | a | c }\n"
+            "P ::= SEQUENCE { iv OCTET STRING (SIZE (8)), salt [0] OCTET STRING (SIZE (1..4)),\n"
+            "  id ALG.&id({Set}), value OCTET STRING (CONTAINING ALG.&Type({Set}{@id})) }\n"
+            "Outer ::= SEQUENCE { inner [1] Names OPTIONAL }\n"
+            "Names ::= SEQUENCE OF CHOICE { n [0] Outer, m INTEGER }\n",
+            directives="name big-Name Big_Name\n", tags="IMPLICIT")
+        self.assertIn("KORVEX_API extern const ASN1OBJID Big_Name;", header)
+        self.assertIn("typedef ASN1TDynOctStr ASN1T_P_iv;", header)
+        self.assertIn("typedef ASN1TDynOctStr ASN1T_P_salt;", header)
+        self.assertIn("  ASN1T_P_iv iv;\n  ASN1T_P_salt salt;\n", header)
+        self.assertIn("  Asn1Object value;", header)
+        self.assertIn("&::Korvex::Asn1Engine::kDescTableOctetString", source)
+        # Objects in key order: 1.2.3, 1.2.3.4, 1.2.7.
+        self.assertIn("kObjects_Set[] = {&c, &a, &b};", source)
+        # [0] Outer inside Names is implicit although Outer, whose building led
+        # to Names, was not built yet when the tag met it.
+        self.assertIn("{offsetof(ASN1T_Names_element, u), 0xA0000000u, "
+                      "::Korvex::Asn1Engine::kByPointer, -1, &asn1Desc_Outer,", source)
+
+
 class CommandLineTest(unittest.TestCase):
     def test_outputs_depfile_and_unchanged_outputs(self):
         with tempfile.TemporaryDirectory() as tmp:

@@ -106,8 +106,8 @@ ParsedArgs ParseArgs(const std::vector<std::string>& args, const std::vector<Opt
       record(*spec, shown, arg.substr(2));
     } else {
       if (i + 1 >= args.size()) {
-        throw BadOption(command, "option '" + shown + "' needs a value (" +
-                                     std::string(spec->valueName) + ")");
+        throw BadOption(
+            command, "option '" + shown + "' needs a value (" + std::string(spec->valueName) + ")");
       }
       record(*spec, shown, args[++i]);
     }

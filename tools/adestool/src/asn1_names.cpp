@@ -9,43 +9,43 @@ namespace {
 
 // X.680 8.6 Table 1 (the numbers in use by X.690 encodings).
 const char* const kUniversalNames[] = {
-    "EOC",               // 0: end-of-contents octets (X.690 8.1.5)
-    "BOOLEAN",           // 1
-    "INTEGER",           // 2
-    "BIT STRING",        // 3
-    "OCTET STRING",      // 4
-    "NULL",              // 5
-    "OBJECT IDENTIFIER", // 6
-    "ObjectDescriptor",  // 7
-    "EXTERNAL",          // 8
-    "REAL",              // 9
-    "ENUMERATED",        // 10
-    "EMBEDDED PDV",      // 11
-    "UTF8String",        // 12
-    "RELATIVE-OID",      // 13
-    "TIME",              // 14
-    nullptr,             // 15: reserved
-    "SEQUENCE",          // 16
-    "SET",               // 17
-    "NumericString",     // 18
-    "PrintableString",   // 19
-    "TeletexString",     // 20
-    "VideotexString",    // 21
-    "IA5String",         // 22
-    "UTCTime",           // 23
-    "GeneralizedTime",   // 24
-    "GraphicString",     // 25
-    "VisibleString",     // 26
-    "GeneralString",     // 27
-    "UniversalString",   // 28
-    "CHARACTER STRING",  // 29
-    "BMPString",         // 30
-    "DATE",              // 31
-    "TIME-OF-DAY",       // 32
-    "DATE-TIME",         // 33
-    "DURATION",          // 34
-    "OID-IRI",           // 35
-    "RELATIVE-OID-IRI",  // 36
+    "EOC",                // 0: end-of-contents octets (X.690 8.1.5)
+    "BOOLEAN",            // 1
+    "INTEGER",            // 2
+    "BIT STRING",         // 3
+    "OCTET STRING",       // 4
+    "NULL",               // 5
+    "OBJECT IDENTIFIER",  // 6
+    "ObjectDescriptor",   // 7
+    "EXTERNAL",           // 8
+    "REAL",               // 9
+    "ENUMERATED",         // 10
+    "EMBEDDED PDV",       // 11
+    "UTF8String",         // 12
+    "RELATIVE-OID",       // 13
+    "TIME",               // 14
+    nullptr,              // 15: reserved
+    "SEQUENCE",           // 16
+    "SET",                // 17
+    "NumericString",      // 18
+    "PrintableString",    // 19
+    "TeletexString",      // 20
+    "VideotexString",     // 21
+    "IA5String",          // 22
+    "UTCTime",            // 23
+    "GeneralizedTime",    // 24
+    "GraphicString",      // 25
+    "VisibleString",      // 26
+    "GeneralString",      // 27
+    "UniversalString",    // 28
+    "CHARACTER STRING",   // 29
+    "BMPString",          // 30
+    "DATE",               // 31
+    "TIME-OF-DAY",        // 32
+    "DATE-TIME",          // 33
+    "DURATION",           // 34
+    "OID-IRI",            // 35
+    "RELATIVE-OID-IRI",   // 36
 };
 
 struct OidEntry {
@@ -267,8 +267,8 @@ const char* BuiltinOidName(const std::string& dotted) {
 }
 
 std::string OidName(const std::string& dotted) {
-  PCCRYPT_OID_INFO info = CryptFindOIDInfo(
-      CRYPT_OID_INFO_OID_KEY, const_cast<char*>(dotted.c_str()), 0);
+  PCCRYPT_OID_INFO info =
+      CryptFindOIDInfo(CRYPT_OID_INFO_OID_KEY, const_cast<char*>(dotted.c_str()), 0);
   if (info && info->pwszName && info->pwszName[0]) return Utf8OfWide(info->pwszName);
   const char* name = BuiltinOidName(dotted);
   return name ? name : std::string();

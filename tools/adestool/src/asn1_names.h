@@ -2,9 +2,9 @@
 #ifndef ADESTOOL_ASN1_NAMES_H
 #define ADESTOOL_ASN1_NAMES_H
 
-#include <string>
-
 #include <korvex/asn1rt/asn1type.h>
+
+#include <string>
 
 namespace adestool {
 

@@ -74,8 +74,8 @@ int Asn1Reader::ObjectId(size_t offset, size_t length, ASN1OBJID* oid) {
 int Asn1Reader::Bmp(size_t offset, size_t length, std::u32string* text) {
   Position(offset, offset + length);
   Asn116BitCharString s{0, nullptr};
-  int stat = xd_16BitCharStr(&ctxt_, &s, ASN1IMPL, TM_UNIV | ASN_ID_BMPString,
-                             static_cast<int>(length));
+  int stat =
+      xd_16BitCharStr(&ctxt_, &s, ASN1IMPL, TM_UNIV | ASN_ID_BMPString, static_cast<int>(length));
   if (stat == ASN_OK) {
     text->assign(s.data, s.data + s.nchars);
     if (s.data) rtMemFreePtr(&ctxt_, s.data);

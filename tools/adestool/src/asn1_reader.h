@@ -9,11 +9,11 @@
 #ifndef ADESTOOL_ASN1_READER_H
 #define ADESTOOL_ASN1_READER_H
 
+#include <korvex/asn1rt/asn1ber.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
-
-#include <korvex/asn1rt/asn1ber.h>
 
 namespace adestool {
 
@@ -21,7 +21,7 @@ struct Asn1Header {
   ASN1TAG tag = 0;          // class and constructed bits, number (asn1type.h)
   size_t headerLength = 0;  // identifier and length octets
   bool indefinite = false;
-  size_t length = 0;        // contents length when definite
+  size_t length = 0;  // contents length when definite
   bool constructed() const { return (tag & TM_FORM_MASK) != 0; }
   ASN1TAG tagClass() const { return tag & TM_CLASS_MASK; }
   ASN1UINT number() const { return tag & TM_IDMASK; }

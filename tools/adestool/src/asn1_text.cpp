@@ -28,12 +28,18 @@ void AppendUtf8(std::string* out, char32_t c) {
 // Escape of an ASCII character, or null when it stands as itself.
 const char* AsciiEscape(unsigned char c) {
   switch (c) {
-    case '"': return "\\\"";
-    case '\\': return "\\\\";
-    case '\n': return "\\n";
-    case '\r': return "\\r";
-    case '\t': return "\\t";
-    default: return nullptr;
+    case '"':
+      return "\\\"";
+    case '\\':
+      return "\\\\";
+    case '\n':
+      return "\\n";
+    case '\r':
+      return "\\r";
+    case '\t':
+      return "\\t";
+    default:
+      return nullptr;
   }
 }
 

@@ -78,7 +78,7 @@ class TreeWalker {
 
   bool DumpAll(std::string* out, DumpFailure* failure) {
     size_t pos = 0;
-    size_t nonPadding = 0;  // no byte in [pos, nonPadding) is known to be non-padding
+    size_t nonPadding = 0;  // the bytes of [pos, nonPadding) are padding
     bool first = true;
     while (pos < size_) {
       if (!first) {
@@ -183,8 +183,7 @@ class TreeWalker {
     LineStart(out, offset, h.headerLength, depth);
     if (h.indefinite) {
       *out += tag + " (indefinite)\n";
-      return Elements(contents, limit, true, offset, TagName(h.tag), depth + 1, out, failure,
-                      next);
+      return Elements(contents, limit, true, offset, TagName(h.tag), depth + 1, out, failure, next);
     }
     *out += tag + " (" + std::to_string(h.length) + ")";
     const size_t available = limit - contents;
@@ -235,8 +234,7 @@ class TreeWalker {
 
   // PrimitiveValue: the text after "TAG (LENGTH): " of a primitive element
   // (empty for none); an encapsulated tree goes to *nested.
-  std::string PrimitiveValue(const Asn1Header& h, size_t contents, int depth,
-                             std::string* nested) {
+  std::string PrimitiveValue(const Asn1Header& h, size_t contents, int depth, std::string* nested) {
     const uint8_t* p = data_ + contents;
     const size_t n = h.length;
     if (h.tagClass() != TM_UNIV) {
@@ -253,8 +251,7 @@ class TreeWalker {
       case ASN_ID_BOOL: {
         bool value = false;
         if (reader_.Boolean(contents, n, &value) != ASN_OK) {
-          return "<invalid: " + Bytes(n) + " of contents> " +
-                 HexPreview(p, n, kHexPreviewBytes);
+          return "<invalid: " + Bytes(n) + " of contents> " + HexPreview(p, n, kHexPreviewBytes);
         }
         if (p[0] == 0x00) return "FALSE";
         return p[0] == 0xFF ? "TRUE" : "TRUE (" + HexPreview(p, 1, 1) + ")";
@@ -266,8 +263,7 @@ class TreeWalker {
         if (n == 0) return "<invalid: no unused-bits octet>";
         const unsigned unused = p[0];
         if (unused > 7 || (n == 1 && unused != 0)) {
-          return "<invalid: " + UnusedBits(unused) + "> " +
-                 HexPreview(p, n, kHexPreviewBytes);
+          return "<invalid: " + UnusedBits(unused) + "> " + HexPreview(p, n, kHexPreviewBytes);
         }
         if (n == 1) return "(empty)";
         if (unused == 0) {
@@ -309,8 +305,7 @@ class TreeWalker {
         int stat = number == ASN_ID_BMPString ? reader_.Bmp(contents, n, &chars)
                                               : reader_.Universal(contents, n, &chars);
         if (stat != ASN_OK) {
-          return "<invalid: " + Bytes(n) + " of contents> " +
-                 HexPreview(p, n, kHexPreviewBytes);
+          return "<invalid: " + Bytes(n) + " of contents> " + HexPreview(p, n, kHexPreviewBytes);
         }
         return QuoteCodePoints(chars, kTextPreviewBytes);
       }

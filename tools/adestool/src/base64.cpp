@@ -35,8 +35,8 @@ bool DecodeBase64(std::string_view text, std::vector<uint8_t>* out, Base64Error*
   out->reserve(text.size() / 4 * 3);
   int group[4];
   size_t groupOffset[4] = {0, 0, 0, 0};
-  int filled = 0;   // characters in the current group
-  int padding = 0;  // '=' seen in the current group
+  int filled = 0;      // characters in the current group
+  int padding = 0;     // '=' seen in the current group
   bool ended = false;  // a padded group closed the data
   auto fail = [&](size_t offset, std::string what) {
     error->offset = offset;
@@ -61,8 +61,8 @@ bool DecodeBase64(std::string_view text, std::vector<uint8_t>* out, Base64Error*
       group[filled++] = v;
     }
     if (filled < 4) continue;
-    uint32_t bits = (static_cast<uint32_t>(group[0]) << 18) | (group[1] << 12) |
-                    (group[2] << 6) | group[3];
+    uint32_t bits =
+        (static_cast<uint32_t>(group[0]) << 18) | (group[1] << 12) | (group[2] << 6) | group[3];
     out->push_back(static_cast<uint8_t>(bits >> 16));
     if (padding == 2) {
       // "xx==": the low 4 bits of the second character are padding bits.

@@ -38,11 +38,11 @@ class CommandContext {
 };
 
 struct Command {
-  std::string_view name;         // "dump"
-  std::string_view usage;        // "dump FILE [--hex | --asn1]"
-  std::string_view summary;      // one line for `adestool --help`
-  std::string_view description;  // the body of `adestool NAME --help`
-  std::vector<OptionSpec> options;  // the command's own options
+  std::string_view name;                // "dump"
+  std::string_view usage;               // "dump FILE [--hex | --asn1]"
+  std::string_view summary;             // one line for `adestool --help`
+  std::string_view description;         // the body of `adestool NAME --help`
+  std::vector<OptionSpec> options;      // the command's own options
   int (*run)(CommandContext& context);  // returns kExitOk or kExitCheckFailed
 };
 

@@ -1,11 +1,11 @@
 // dispatch.cpp: argument dispatch, help, version and error reporting.
 #include "dispatch.h"
 
+#include <korvex/platform/atl/atlexcept.h>
+
 #include <cstdio>
 #include <exception>
 #include <new>
-
-#include <korvex/platform/atl/atlexcept.h>
 
 #include "command.h"
 #include "tool_error.h"

@@ -1,11 +1,11 @@
 // input.cpp: input reading and form detection.
 #include "input.h"
 
-#include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <string_view>
 
 #include "base64.h"

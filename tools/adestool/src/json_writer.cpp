@@ -45,14 +45,36 @@ std::string JsonEscape(std::string_view value) {
   for (size_t i = 0; i < n;) {
     unsigned char c = p[i];
     switch (c) {
-      case '"': out += "\\\""; ++i; continue;
-      case '\\': out += "\\\\"; ++i; continue;
-      case '\b': out += "\\b"; ++i; continue;
-      case '\f': out += "\\f"; ++i; continue;
-      case '\n': out += "\\n"; ++i; continue;
-      case '\r': out += "\\r"; ++i; continue;
-      case '\t': out += "\\t"; ++i; continue;
-      default: break;
+      case '"':
+        out += "\\\"";
+        ++i;
+        continue;
+      case '\\':
+        out += "\\\\";
+        ++i;
+        continue;
+      case '\b':
+        out += "\\b";
+        ++i;
+        continue;
+      case '\f':
+        out += "\\f";
+        ++i;
+        continue;
+      case '\n':
+        out += "\\n";
+        ++i;
+        continue;
+      case '\r':
+        out += "\\r";
+        ++i;
+        continue;
+      case '\t':
+        out += "\\t";
+        ++i;
+        continue;
+      default:
+        break;
     }
     if (c < 0x20) {
       char buf[8];
@@ -189,9 +211,7 @@ JsonWriter& JsonWriter::Field(std::string_view key, const char* value) {
 }
 JsonWriter& JsonWriter::Field(std::string_view key, int64_t value) { return Key(key).Int(value); }
 JsonWriter& JsonWriter::Field(std::string_view key, int value) { return Key(key).Int(value); }
-JsonWriter& JsonWriter::Field(std::string_view key, uint64_t value) {
-  return Key(key).Uint(value);
-}
+JsonWriter& JsonWriter::Field(std::string_view key, uint64_t value) { return Key(key).Uint(value); }
 JsonWriter& JsonWriter::Field(std::string_view key, bool value) { return Key(key).Bool(value); }
 
 std::string JsonWriter::Finish() const {

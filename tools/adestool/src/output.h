@@ -55,7 +55,7 @@ class Output {
   std::string path_;     // the target as given
   std::string target_;   // the file to replace (a symbolic link resolved)
   std::string name_;
-  std::string temp_;     // temporary file path while open
+  std::string temp_;  // temporary file path while open
   std::string buffer_;
   int fd_ = -1;
   bool committed_ = false;

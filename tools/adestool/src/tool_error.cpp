@@ -5,9 +5,7 @@
 
 namespace adestool {
 
-ToolError UsageError(const std::string& what) {
-  return ToolError(kExitError, "adestool: " + what);
-}
+ToolError UsageError(const std::string& what) { return ToolError(kExitError, "adestool: " + what); }
 
 ToolError FileError(const std::string& file, const std::string& what) {
   return ToolError(kExitError, "adestool: " + file + ": " + what);

@@ -146,11 +146,11 @@ class KORVEX_API ASN1CTime : public ASN1CType {
 
   bool mUTCTime;
   bool mDer;
-  const char* mOwnText = nullptr;      // the bound slot when none is given
-  const char** mpText;                 // the bound text pointer
-  const char* mpReadText = nullptr;    // the text the fields were read from (or written to)
-  char* mpWrittenText = nullptr;       // the heap text this object wrote last
-  void* mpWrittenHeap = nullptr;       // the heap it was taken from
+  const char* mOwnText = nullptr;    // the bound slot when none is given
+  const char** mpText;               // the bound text pointer
+  const char* mpReadText = nullptr;  // the text the fields were read from (or written to)
+  char* mpWrittenText = nullptr;     // the heap text this object wrote last
+  void* mpWrittenHeap = nullptr;     // the heap it was taken from
   ASN1TimeFields mFields;
   unsigned int mSetMask = 0;  // which of year, month, day are set
 };

@@ -31,9 +31,9 @@ namespace Korvex {
 namespace ASN1 {
 
 // The attribute types of the typed values (dotted OID text).
-constexpr char kOidContentType[] = "1.2.840.113549.1.9.3";         // RFC 5652 11.1
-constexpr char kOidMessageDigest[] = "1.2.840.113549.1.9.4";       // RFC 5652 11.2
-constexpr char kOidSigningTime[] = "1.2.840.113549.1.9.5";         // RFC 5652 11.3
+constexpr char kOidContentType[] = "1.2.840.113549.1.9.3";                    // RFC 5652 11.1
+constexpr char kOidMessageDigest[] = "1.2.840.113549.1.9.4";                  // RFC 5652 11.2
+constexpr char kOidSigningTime[] = "1.2.840.113549.1.9.5";                    // RFC 5652 11.3
 constexpr char kOidSigningCertificate[] = "1.2.840.113549.1.9.16.2.12";       // RFC 2634 5.4
 constexpr char kOidSigningCertificateV2[] = "1.2.840.113549.1.9.16.2.47";     // RFC 5035 3
 constexpr char kOidOtherSigningCertificate[] = "1.2.840.113549.1.9.16.2.19";  // RFC 5126 5.7.3.2

@@ -65,8 +65,7 @@ struct KORVEX_API ASN1T_KeyUsage_traits
 // ASN1T_PrivateKeyUsagePeriod_traits: each present time as GeneralizedTime
 // text (ASN1GeneralizedTime_traits: whole seconds).
 struct KORVEX_API ASN1T_PrivateKeyUsagePeriod_traits
-    : GeneratedTraits<asn1data::ASN1T_PrivateKeyUsagePeriod,
-                      asn1data::ASN1C_PrivateKeyUsagePeriod,
+    : GeneratedTraits<asn1data::ASN1T_PrivateKeyUsagePeriod, asn1data::ASN1C_PrivateKeyUsagePeriod,
                       &asn1data::asn1Copy_PrivateKeyUsagePeriod> {
   static void set(ASN1CTXT* ctxt, ASN1_T& rec, CExtPrivateKeyUsagePeriod const& v);
   static void get(ASN1_T const& rec, CExtPrivateKeyUsagePeriod& v);
@@ -103,17 +102,15 @@ struct ASN1T__SeqOfPolicyInformation_traits
     : GeneratedTraits<asn1data::ASN1T__SeqOfPolicyInformation,
                       asn1data::ASN1C__SeqOfPolicyInformation,
                       &asn1data::asn1Copy__SeqOfPolicyInformation>,
-      ASN1TArrayList_traits<asn1data::ASN1T__SeqOfPolicyInformation,
-                            ASN1T_PolicyInformation_traits, CPolicyInformation,
-                            CPolicyInformationList> {};
+      ASN1TArrayList_traits<asn1data::ASN1T__SeqOfPolicyInformation, ASN1T_PolicyInformation_traits,
+                            CPolicyInformation, CPolicyInformationList> {};
 
 // ASN1T_DistributionPointName_traits: fullName through
 // ASN1T_GeneralNames_traits; nameRelativeToCRLIssuer decoded from its DER into
 // the record (bad DER: 0x80093101) and encoded back from it; no alternative or
 // an unknown one throws 0x80093101.
 struct KORVEX_API ASN1T_DistributionPointName_traits
-    : GeneratedTraits<asn1data::ASN1T_DistributionPointName,
-                      asn1data::ASN1C_DistributionPointName,
+    : GeneratedTraits<asn1data::ASN1T_DistributionPointName, asn1data::ASN1C_DistributionPointName,
                       &asn1data::asn1Copy_DistributionPointName> {
   static void set(ASN1CTXT* ctxt, ASN1_T& rec, CDistributionPointName const& v);
   static void get(ASN1_T const& rec, CDistributionPointName& v);

@@ -101,7 +101,6 @@ class KORVEX_API CAttributeTypeAndValue {
  private:
   // The traits store a decoded OID's text as the decoder gives it.
   friend struct ASN1T_AttributeTypeAndValue_traits;
-struct ASN1T_GeneralName_traits;
   struct Impl;
   Impl* m_impl;
 };

@@ -42,7 +42,8 @@ class KORVEX_API CAttrSigningCertificate : public CAttrValue {
   CESSCertIDList const& get_certs() const;
   // put_certs / put_policies replace the part and the DER at once; a value
   // that cannot be encoded throws and changes nothing. put_policies(null)
-  // removes the policies; a present but empty list does not encode.
+  // removes the policies; a present but empty list is written as 30 00 (the
+  // SEQUENCE OF has no size constraint) and reads back present.
   void put_certs(CESSCertIDList const& certs);
   CPolicyInformationList const* get_policies() const;
   void put_policies(CPolicyInformationList const* policies);

@@ -129,8 +129,12 @@ void freeStructured(Walk& w, const TypeDesc* d, void* rec) {
   switch (d->kind) {
     case kSequence:
     case kSet: {
+      // Everything goes back newest first, the reverse of the order decode
+      // took it in (typed values, then components last to first): the freed
+      // blocks then merge with the allocator's free top instead of being
+      // sorted into its bins one by one.
       if (hasTables(d)) freeTablesOf(w, d, rec);
-      for (unsigned i = 0; i < d->memberCount; ++i) {
+      for (unsigned i = d->memberCount; i-- > 0;) {
         const MemberDesc* m = &d->members[i];
         // A DEFAULT component absent from the input holds its decoded default.
         if (m->presence >= 0 && !(m->flags & kDefault) && !present(d, rec, m->presence)) {
@@ -163,7 +167,7 @@ void freeStructured(Walk& w, const TypeDesc* d, void* rec) {
   const TypeDesc* elem = d->inner;
   if (isList(d)) {
     rtDList* list = listOf(rec);
-    for (rtDListNode* n = list->head; n; n = n->next) {
+    for (rtDListNode* n = list->tail; n; n = n->prev) {
       if (!n->data) continue;
       freeValue(w, elem, n->data);
       rtMemFreePtr(ctxt, n->data);
@@ -175,7 +179,7 @@ void freeStructured(Walk& w, const TypeDesc* d, void* rec) {
   ASN1UINT count = arrayCount(d, rec);
   unsigned char* elems = arrayElems(d, rec);
   if (elems) {
-    for (ASN1UINT i = 0; i < count; ++i)
+    for (ASN1UINT i = count; i-- > 0;)
       freeValue(w, elem, elems + static_cast<size_t>(i) * elem->size);
     rtMemFreePtr(ctxt, elems);
   }

@@ -8,8 +8,48 @@ namespace Asn1Engine {
 namespace detail {
 namespace {
 
+// The identifier and length octets at the cursor in their common form, read in
+// place: a one-octet tag and a definite length of up to two octets that fits
+// in the data (X.690 8.1.2.2, 8.1.3). False leaves every other form (high tag
+// numbers, indefinite or long lengths, the end of an indefinite message, bad
+// octets) to xd_match / xd_tag_len, which give the same results and statuses.
+inline bool readHeader(const ASN1CTXT* ctxt, ASN1TAG* tag, int* length, ASN1UINT* headerLength) {
+  if ((ctxt->flags & (ASN1INDEFLEN | ASN1LASTEOC)) == (ASN1INDEFLEN | ASN1LASTEOC)) return false;
+  const ASN1UINT at = ctxt->buffer.byteIndex;
+  const ASN1UINT size = ctxt->buffer.size;
+  if (at >= size || size - at < 2) return false;
+  const ASN1OCTET* d = ctxt->buffer.data + at;
+  if ((d[0] & 0x1F) == 0x1F) return false;
+  ASN1UINT len = d[1], h = 2;
+  if (len == 0x81 && size - at >= 3) {
+    len = d[2];
+    h = 3;
+  } else if (len == 0x82 && size - at >= 4) {
+    len = (static_cast<ASN1UINT>(d[2]) << 8) | d[3];
+    h = 4;
+  } else if (len >= 0x80) {
+    return false;
+  }
+  if (len > size - at - h) return false;
+  *tag = (static_cast<ASN1TAG>(d[0] & 0xE0) << 24) | (d[0] & 0x1Fu);
+  *length = static_cast<int>(len);
+  *headerLength = h;
+  return true;
+}
+
 // Reads the expected tag and its length; -3 (recorded) when another tag is next.
 int matchTag(ASN1CTXT* ctxt, ASN1TAG tag, int* length) {
+  ASN1TAG t;
+  ASN1UINT h;
+  if (readHeader(ctxt, &t, length, &h) && ((t ^ tag) & ~TM_CONS) == 0) {
+    ctxt->buffer.byteIndex += h;
+    if (t & TM_CONS) {
+      ctxt->flags |= ASN1CONSTAG;
+    } else {
+      ctxt->flags = static_cast<ASN1USINT>(ctxt->flags & ~ASN1CONSTAG);
+    }
+    return 0;
+  }
   int stat = xd_match(ctxt, tag, length, XM_ADVANCE);
   return stat < 0 ? fail(ctxt, stat) : 0;
 }
@@ -17,11 +57,17 @@ int matchTag(ASN1CTXT* ctxt, ASN1TAG tag, int* length) {
 // The tag of the next element, without moving the cursor.
 int peekTag(ASN1CTXT* ctxt, ASN1TAG* tag) {
   int len;
+  ASN1UINT h;
+  if (readHeader(ctxt, tag, &len, &h)) return 0;
   int stat = xd_tag_len(ctxt, tag, &len, 0);
   return stat < 0 ? fail(ctxt, stat) : 0;
 }
 
 bool atEnd(ASN1CTXT* ctxt, ASN1UINT start, int length) {
+  if (length >= 0 && ctxt->buffer.byteIndex < ctxt->buffer.size) {
+    return static_cast<unsigned long long>(ctxt->buffer.byteIndex) >=
+           static_cast<unsigned long long>(start) + static_cast<ASN1UINT>(length);
+  }
   return xd_chkend(ctxt, start, length) != 0;
 }
 
@@ -290,8 +336,7 @@ int decodeContents(Walk& w, const TypeDesc* d, void* v, int len) {
       return checkEnum(ctxt, d, value) < 0 ? ASN_E_INVENUM : 0;
     }
     case kBigInteger:
-      stat = xd_bigint(ctxt, static_cast<const char**>(v), ASN1IMPL, len);
-      break;
+      return decodeBigInteger(ctxt, static_cast<const char**>(v), len);
     case kNull:
       if (len != 0) return fail(ctxt, ASN_E_INVLEN);
       return 0;

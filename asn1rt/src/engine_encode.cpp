@@ -35,6 +35,10 @@ bool isDefaultEncoding(ASN1CTXT* ctxt, const MemberDesc* m, int len) {
 // record (which may belong to another context) is not changed.
 int encodeMemberOf(Walk& w, const TypeDesc* d, const MemberDesc* m, void* rec) {
   if (!m->table) return encodeMember(w, m, rec);
+  // Without a typed value the bytes are written as they stand: no lookup.
+  if (!m->table->viaList && !static_cast<const Asn1Object*>(memberValue(m, rec))->decoded) {
+    return encodeMember(w, m, rec);
+  }
   const TypeDesc* saved = w.openType;
   w.openType = tableType(d, m, rec);
   int len = encodeMember(w, m, rec);
@@ -183,8 +187,7 @@ int encodeContents(Walk& w, const TypeDesc* d, void* v) {
     case kBigInteger: {
       const char* text = load<const char*>(v);
       if (!text) return fail(ctxt, ASN_E_BADVALUE);
-      len = xe_bigint(ctxt, text, ASN1IMPL);
-      break;
+      return encodeBigInteger(ctxt, text);
     }
     case kNull:
       return 0;

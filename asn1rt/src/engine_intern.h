@@ -109,6 +109,12 @@ int checkEnum(ASN1CTXT* ctxt, const TypeDesc* d, ASN1INT value);
 // Length of a character string in the units its SIZE counts (characters).
 int charCount(const TypeDesc* d, const char* text, unsigned long long* count);
 
+// INTEGER contents of any size as big-integer text (engine_bigint.cpp): the
+// text xd_bigint would give / the contents xe_bigint would write, the common
+// case converted directly. decodeBigInteger: len is the contents length.
+int decodeBigInteger(ASN1CTXT* ctxt, const char** text, int len);
+int encodeBigInteger(ASN1CTXT* ctxt, const char* text);
+
 // Table-constrained members of a SEQUENCE/SET (defined in engine_table.cpp).
 bool hasTables(const TypeDesc* d);
 const InfoObject* tableObject(const TypeDesc* d, const MemberDesc* m, const void* rec);

@@ -10,14 +10,17 @@ namespace Asn1Engine {
 
 namespace {
 
-// The order of the compiler's sorted sets: arc by arc, then the shorter first.
+// The order of the compiler's sorted sets: by arc count, then arc by arc (a
+// cheap total order: most keys differ in their count or in a late arc).
 int compareOid(const ASN1OBJID& a, const ASN1OBJID& b) {
-  const ASN1UINT n = a.numids < b.numids ? a.numids : b.numids;
-  for (ASN1UINT i = 0; i < n; ++i) {
-    if (a.subid[i] != b.subid[i]) return a.subid[i] < b.subid[i] ? -1 : 1;
+  if (a.numids != b.numids) return a.numids < b.numids ? -1 : 1;
+  for (ASN1UINT i = a.numids; i-- > 0;) {
+    if (a.subid[i] != b.subid[i]) {
+      // Compared from the last arc, where keys of one set differ first.
+      return a.subid[i] < b.subid[i] ? -1 : 1;
+    }
   }
-  if (a.numids == b.numids) return 0;
-  return a.numids < b.numids ? -1 : 1;
+  return 0;
 }
 
 // Binary search over objects sorted by key; cmp(key) < 0 when the key sorts
@@ -285,6 +288,10 @@ int copyTablesOf(Walk& w, const TypeDesc* d, const void* src, void* dest) {
   for (unsigned i = 0; i < d->memberCount; ++i) {
     const MemberDesc* m = &d->members[i];
     if (!m->table || !memberPresent(d, m, src)) continue;
+    if (!m->table->viaList &&
+        !static_cast<const Asn1Object*>(static_cast<const void*>(at(src, m->offset)))->decoded) {
+      continue;  // the element-wise copy left the copy's typed value null
+    }
     const InfoObject* obj = tableObject(d, m, src);
     const TypeDesc* type = obj ? typeField(obj, m->table->field) : nullptr;
     // The element-wise copy already made every copied typed value null; pair
@@ -313,6 +320,10 @@ void freeTablesOf(Walk& w, const TypeDesc* d, void* rec) {
   for (unsigned i = 0; i < d->memberCount; ++i) {
     const MemberDesc* m = &d->members[i];
     if (!m->table) continue;
+    if (!m->table->viaList && !static_cast<Asn1Object*>(static_cast<void*>(at(rec, m->offset)))
+                                   ->decoded) {
+      continue;  // nothing typed to free: no lookup
+    }
     const InfoObject* obj = tableObject(d, m, rec);
     const TypeDesc* type = obj ? typeField(obj, m->table->field) : nullptr;
     forEachObject(m, rec, [&](Asn1Object* o) {

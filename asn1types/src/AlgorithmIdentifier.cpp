@@ -84,6 +84,11 @@ CAlgorithmIdentifierEx& CAlgorithmIdentifierEx::operator=(CAlgorithmIdentifierEx
   return *this;
 }
 
+CAlgorithmIdentifierEx& CAlgorithmIdentifierEx::operator=(CAlgorithmIdentifier const& other) {
+  assign(other);
+  return *this;
+}
+
 CAlgorithmIdentifierEx::~CAlgorithmIdentifierEx() {}
 
 void CAlgorithmIdentifierEx::swap(CAlgorithmIdentifierEx& other) {

@@ -207,6 +207,11 @@ TEST(AlgorithmIdentifierExTest, CopiesCarryTheCacheAndSwapExchangesIt) {
   EXPECT_EQ(11u, c.get_cachedInfo());
   CAlgorithmIdentifierEx fromBase{CAlgorithmIdentifier(kSha256)};
   EXPECT_EQ(0u, fromBase.get_cachedInfo());
+  fromBase.put_cachedInfo(44);
+  fromBase = CAlgorithmIdentifier(kSha256);  // same OID: the slot stays
+  EXPECT_EQ(44u, fromBase.get_cachedInfo());
+  fromBase = CAlgorithmIdentifier("1.2");
+  EXPECT_EQ(0u, fromBase.get_cachedInfo());
 
   CAlgorithmIdentifierEx d("1.2");
   d.put_cachedInfo(33);

@@ -147,7 +147,9 @@ TEST_F(CertificateNamesTest, SubjectAltNameOfEeRsa) {
   std::size_t i = 0;
   for (CGeneralName const& gn : san) {
     SCOPED_TRACE(i);
-    if (i < 8) EXPECT_EQ(std::wstring(gn.toString().c_str()), expected[i]);
+    if (i < 8) {
+      EXPECT_EQ(std::wstring(gn.toString().c_str()), expected[i]);
+    }
     ++i;
   }
   EXPECT_EQ(std::wstring(san.back().toString().c_str()).substr(0, 11), L"othername:#");

@@ -203,8 +203,8 @@ class EmitterTest(unittest.TestCase):
         self.assertIn("  ASN1T_P_iv iv;\n  ASN1T_P_salt salt;\n", header)
         self.assertIn("  Asn1Object value;", header)
         self.assertIn("&::Korvex::Asn1Engine::kDescTableOctetString", source)
-        # Objects in key order: 1.2.3, 1.2.3.4, 1.2.7.
-        self.assertIn("kObjects_Set[] = {&c, &a, &b};", source)
+        # Objects in key order: 1.2.3 (3 arcs) and 1.2.7 before 1.2.3.4 (4).
+        self.assertIn("kObjects_Set[] = {&c, &b, &a};", source)
         # [0] Outer inside Names is implicit although Outer, whose building led
         # to Names, was not built yet when the tag met it.
         self.assertIn("{offsetof(ASN1T_Names_element, u), 0xA0000000u, "

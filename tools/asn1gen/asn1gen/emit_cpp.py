@@ -529,11 +529,14 @@ class Emitter:
         for si in self.mod.objsets.values():
             if si.mod is not self.mod:
                 continue
-            # Sorted by key (arc by arc, then shorter first), the order in which
-            # ObjectSet::lookup searches; an object without a key is never found.
-            keyed = sorted((oi for oi in si.objects if oi.key is not None),
-                           key=lambda oi: tuple(oi.key) if si.cls.key_kind == "oid"
-                           else oi.key)
+            # Sorted by key, the order in which ObjectSet::lookup searches: an
+            # OID by its arc count, then arc by arc from the last; an object
+            # without a key is never found.
+            def order(oi):
+                if si.cls.key_kind != "oid":
+                    return oi.key
+                return (len(oi.key), tuple(reversed(oi.key)))
+            keyed = sorted((oi for oi in si.objects if oi.key is not None), key=order)
             objs = [("&" + self.mod.qual(oi.mod, oi.cname)) for oi in keyed]
             arr = "nullptr"
             if objs:

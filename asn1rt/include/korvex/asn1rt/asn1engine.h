@@ -188,10 +188,10 @@ struct KORVEX_API InfoObject {
   void free(ASN1CTXT* ctxt, void* value, unsigned field = 0) const;
 };
 
-/* An information object set: its objects sorted by key (OBJECT IDENTIFIERs arc
- * by arc, a prefix before its extensions; INTEGERs by value: the compiler sorts
- * them) and the kind of their key. Lookups are binary searches; null when no
- * object has the key. */
+/* An information object set: its objects sorted by key (OBJECT IDENTIFIERs by
+ * arc count, then arc by arc from the last; INTEGERs by value: the compiler
+ * sorts them) and the kind of their key. Lookups are binary searches; null
+ * when no object has the key. */
 struct KORVEX_API ObjectSet {
   const InfoObject* const* objects;
   unsigned count;

@@ -78,6 +78,8 @@ class KORVEX_API CAlgorithmIdentifierEx : public CAlgorithmIdentifier {
   CAlgorithmIdentifierEx(CAlgorithmIdentifier const& other);  // NOLINT: widening copy
   CAlgorithmIdentifierEx(CAlgorithmIdentifierEx const& other);
   CAlgorithmIdentifierEx& operator=(CAlgorithmIdentifierEx const& other);
+  // operator=(base): assign(other); the slot is kept when the OID is the same.
+  CAlgorithmIdentifierEx& operator=(CAlgorithmIdentifier const& other);
   ~CAlgorithmIdentifierEx() override;
 
   // swap: exchanges OID, parameters and slot.

@@ -134,24 +134,30 @@ int MeasureString(ASN1CTXT* ctxt, const StringInput& in, ASN1TAG segTag, Joined*
   return stat;
 }
 
+// A string whose header was read and whose data octets were measured.
+struct Measured {
+  StringInput in;
+  Joined j;
+  unsigned long long bits = 0;  // BIT STRING: the bit count
+};
+
 // Reads the header of a string and measures its data octets: StringHeader
 // then MeasureString, with the measuring failure recorded.
 int MeasureInput(ASN1CTXT* ctxt, ASN1TAG tag, ASN1TAG segTag, ASN1TagType tagging, int length,
-                 StringInput* in, Joined* j) {
-  int stat = StringHeader(ctxt, tag, tagging, length, in);
+                 Measured* m) {
+  int stat = StringHeader(ctxt, tag, tagging, length, &m->in);
   if (stat != ASN_OK) return stat;
-  stat = MeasureString(ctxt, *in, segTag, j);
+  stat = MeasureString(ctxt, m->in, segTag, &m->j);
   return stat == ASN_OK ? ASN_OK : Fail(ctxt, stat);
 }
 
 // MeasureInput for a BIT STRING: a constructed form needs at least one
-// segment, for the unused-bits octet (X.690 8.6.2). Sets *bits to the bit count.
-int MeasureBits(ASN1CTXT* ctxt, ASN1TagType tagging, int length, StringInput* in, Joined* j,
-                unsigned long long* bits) {
-  int stat = MeasureInput(ctxt, kBitSegment, kBitSegment, tagging, length, in, j);
+// segment, for the unused-bits octet (X.690 8.6.2). Sets m->bits.
+int MeasureBits(ASN1CTXT* ctxt, ASN1TagType tagging, int length, Measured* m) {
+  int stat = MeasureInput(ctxt, kBitSegment, kBitSegment, tagging, length, m);
   if (stat != ASN_OK) return stat;
-  if (in->cons && !j->sawSegment) return Fail(ctxt, ASN_E_INVLEN);
-  *bits = static_cast<unsigned long long>(j->octets) * 8 - static_cast<unsigned>(j->unused);
+  if (m->in.cons && !m->j.sawSegment) return Fail(ctxt, ASN_E_INVLEN);
+  m->bits = static_cast<unsigned long long>(m->j.octets) * 8 - static_cast<unsigned>(m->j.unused);
   return ASN_OK;
 }
 
@@ -174,22 +180,29 @@ void CopyString(ASN1CTXT* ctxt, const StringInput& in, ASN1TAG segTag, ASN1OCTET
   (void)JoinSegments(ctxt, segTag, in.length, 1, out, &again);
 }
 
-// Decodes a string into a new heap block of its data octets plus pad zeroed
-// bytes (a NUL for text). *out is null for empty data without pad.
-int DecodeToHeap(ASN1CTXT* ctxt, ASN1TAG tag, ASN1TAG segTag, ASN1TagType tagging, int length,
-                 size_t pad, ASN1OCTET** out, Joined* j) {
+// Copies the measured data octets into a new heap block followed by pad
+// zeroed bytes (a NUL for text) and moves the cursor past the string. *out is
+// null for empty data without pad.
+int CopyToHeap(ASN1CTXT* ctxt, const Measured& m, ASN1TAG segTag, size_t pad, ASN1OCTET** out) {
   *out = nullptr;
-  StringInput in;
-  int stat = MeasureInput(ctxt, tag, segTag, tagging, length, &in, j);
-  if (stat != ASN_OK) return stat;
-  if (j->octets > ASN1_MEMBLOCK_MAX - pad) return Fail(ctxt, ASN_E_NOMEM);
-  if (j->octets + pad) {
-    *out = static_cast<ASN1OCTET*>(rtMemAlloc(ctxt, j->octets + pad));
+  const size_t n = m.j.octets;
+  if (n > ASN1_MEMBLOCK_MAX - pad) return Fail(ctxt, ASN_E_NOMEM);
+  if (n + pad) {
+    *out = static_cast<ASN1OCTET*>(rtMemAlloc(ctxt, n + pad));
     if (!*out) return Fail(ctxt, ASN_E_NOMEM);
-    if (pad) std::memset(*out + j->octets, 0, pad);
+    if (pad) std::memset(*out + n, 0, pad);
   }
-  CopyString(ctxt, in, segTag, *out);
+  CopyString(ctxt, m.in, segTag, *out);
   return ASN_OK;
+}
+
+// Decodes a string of octet segments into a new heap block (CopyToHeap).
+int DecodeToHeap(ASN1CTXT* ctxt, ASN1TAG tag, ASN1TagType tagging, int length, size_t pad,
+                 ASN1OCTET** out, Measured* m) {
+  *out = nullptr;
+  int stat = MeasureInput(ctxt, tag, kOctSegment, tagging, length, m);
+  if (stat != ASN_OK) return stat;
+  return CopyToHeap(ctxt, *m, kOctSegment, pad, out);
 }
 
 // A BMPString-like (16-bit) or UniversalString-like (32-bit) string: the
@@ -200,21 +213,17 @@ int DecodeUnits(ASN1CTXT* ctxt, Str* str, ASN1TagType tagging, ASN1TAG tag, int 
   using Unit = typename std::remove_pointer<decltype(Str::data)>::type;
   constexpr size_t kWidth = sizeof(Unit);
   if (!str) return Fail(ctxt, ASN_E_BADVALUE);
-  StringInput in;
-  Joined j;
-  int stat = MeasureInput(ctxt, tag, kOctSegment, tagging, length, &in, &j);
+  Measured m;
+  int stat = MeasureInput(ctxt, tag, kOctSegment, tagging, length, &m);
   if (stat != ASN_OK) return stat;
-  if (j.octets % kWidth) return Fail(ctxt, ASN_E_INVLEN);
-  Unit* chars = nullptr;
-  if (j.octets) {
-    chars = static_cast<Unit*>(rtMemAlloc(ctxt, j.octets));
-    if (!chars) return Fail(ctxt, ASN_E_NOMEM);
-  }
-  auto* bytes = reinterpret_cast<ASN1OCTET*>(chars);
-  CopyString(ctxt, in, kOctSegment, bytes);
+  if (m.j.octets % kWidth) return Fail(ctxt, ASN_E_INVLEN);
+  ASN1OCTET* bytes;
+  stat = CopyToHeap(ctxt, m, kOctSegment, 0, &bytes);
+  if (stat != ASN_OK) return stat;
+  auto* chars = reinterpret_cast<Unit*>(bytes);
   // Unit i occupies octets [i * kWidth, (i + 1) * kWidth), all read before
   // chars[i] overwrites them.
-  const size_t count = j.octets / kWidth;
+  const size_t count = m.j.octets / kWidth;
   for (size_t i = 0; i < count; ++i) {
     Unit c = 0;
     for (size_t k = 0; k < kWidth; ++k) c = static_cast<Unit>((c << 8) | bytes[i * kWidth + k]);
@@ -233,66 +242,58 @@ int xd_octstr(ASN1CTXT* ctxt, const ASN1OCTET** data, ASN1UINT* numocts, ASN1Tag
               int length) {
   if (!data || !numocts) return Fail(ctxt, ASN_E_BADVALUE);
   ASN1OCTET* out;
-  Joined j;
-  int stat = DecodeToHeap(ctxt, kOctSegment, kOctSegment, tagging, length, 0, &out, &j);
+  Measured m;
+  int stat = DecodeToHeap(ctxt, kOctSegment, tagging, length, 0, &out, &m);
   if (stat != ASN_OK) return stat;
   *data = out;
-  *numocts = static_cast<ASN1UINT>(j.octets);
+  *numocts = static_cast<ASN1UINT>(m.j.octets);
   return ASN_OK;
 }
 
 int xd_octstr_s(ASN1CTXT* ctxt, ASN1OCTET* data, ASN1UINT* numocts, ASN1TagType tagging,
                 int length) {
   if (!data || !numocts) return Fail(ctxt, ASN_E_BADVALUE);
-  StringInput in;
-  Joined j;
-  int stat = MeasureInput(ctxt, kOctSegment, kOctSegment, tagging, length, &in, &j);
+  Measured m;
+  int stat = MeasureInput(ctxt, kOctSegment, kOctSegment, tagging, length, &m);
   if (stat != ASN_OK) return stat;
-  if (j.octets > *numocts) return Fail(ctxt, ASN_E_STROVFLW);
-  CopyString(ctxt, in, kOctSegment, data);
-  *numocts = static_cast<ASN1UINT>(j.octets);
+  if (m.j.octets > *numocts) return Fail(ctxt, ASN_E_STROVFLW);
+  CopyString(ctxt, m.in, kOctSegment, data);
+  *numocts = static_cast<ASN1UINT>(m.j.octets);
   return ASN_OK;
 }
 
 int xd_bitstr(ASN1CTXT* ctxt, const ASN1OCTET** data, ASN1UINT* numbits, ASN1TagType tagging,
               int length) {
   if (!data || !numbits) return Fail(ctxt, ASN_E_BADVALUE);
-  StringInput in;
-  Joined j;
-  unsigned long long bits = 0;
-  int stat = MeasureBits(ctxt, tagging, length, &in, &j, &bits);
+  Measured m;
+  int stat = MeasureBits(ctxt, tagging, length, &m);
   if (stat != ASN_OK) return stat;
-  if (j.octets > 0x1FFFFFFFu) return Fail(ctxt, ASN_E_INVLEN);  // bit count beyond 32 bits
-  ASN1OCTET* out = nullptr;
-  if (j.octets) {
-    out = static_cast<ASN1OCTET*>(rtMemAlloc(ctxt, j.octets));
-    if (!out) return Fail(ctxt, ASN_E_NOMEM);
-  }
-  CopyString(ctxt, in, kBitSegment, out);
+  if (m.j.octets > 0x1FFFFFFFu) return Fail(ctxt, ASN_E_INVLEN);  // bit count beyond 32 bits
+  ASN1OCTET* out;
+  stat = CopyToHeap(ctxt, m, kBitSegment, 0, &out);
+  if (stat != ASN_OK) return stat;
   *data = out;
-  *numbits = static_cast<ASN1UINT>(bits);
+  *numbits = static_cast<ASN1UINT>(m.bits);
   return ASN_OK;
 }
 
 int xd_bitstr_s(ASN1CTXT* ctxt, ASN1OCTET* data, ASN1UINT* numbits, ASN1TagType tagging,
                 int length) {
   if (!data || !numbits) return Fail(ctxt, ASN_E_BADVALUE);
-  StringInput in;
-  Joined j;
-  unsigned long long bits = 0;
-  int stat = MeasureBits(ctxt, tagging, length, &in, &j, &bits);
+  Measured m;
+  int stat = MeasureBits(ctxt, tagging, length, &m);
   if (stat != ASN_OK) return stat;
-  if (bits > *numbits) return Fail(ctxt, ASN_E_STROVFLW);
-  CopyString(ctxt, in, kBitSegment, data);
-  *numbits = static_cast<ASN1UINT>(bits);
+  if (m.bits > *numbits) return Fail(ctxt, ASN_E_STROVFLW);
+  CopyString(ctxt, m.in, kBitSegment, data);
+  *numbits = static_cast<ASN1UINT>(m.bits);
   return ASN_OK;
 }
 
 int xd_charstr(ASN1CTXT* ctxt, const char** text, ASN1TagType tagging, ASN1TAG tag, int length) {
   if (!text) return Fail(ctxt, ASN_E_BADVALUE);
   ASN1OCTET* out;
-  Joined j;
-  int stat = DecodeToHeap(ctxt, tag, kOctSegment, tagging, length, 1, &out, &j);
+  Measured m;
+  int stat = DecodeToHeap(ctxt, tag, tagging, length, 1, &out, &m);
   if (stat != ASN_OK) return stat;
   *text = reinterpret_cast<const char*>(out);
   return ASN_OK;

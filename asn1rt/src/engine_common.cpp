@@ -9,17 +9,19 @@
 namespace Korvex {
 namespace Asn1Engine {
 
-#define KORVEX_PRIMITIVE_DESC(name, kind, tag, ctype)                       \
-  const TypeDesc name = {kind, 0,       0,       tag,     sizeof(ctype), 0, \
+#define KORVEX_PRIMITIVE_DESC_FLAGS(name, kind, flags, tag, ctype)              \
+  const TypeDesc name = {kind, flags,   0,       tag,     sizeof(ctype), 0, \
                          0,    nullptr, nullptr, nullptr, nullptr,       0}
+#define KORVEX_PRIMITIVE_DESC(name, kind, tag, ctype) \
+  KORVEX_PRIMITIVE_DESC_FLAGS(name, kind, 0, tag, ctype)
 
-KORVEX_PRIMITIVE_DESC(kDescBoolean, kBoolean, ASN_ID_BOOL, ASN1BOOL);
-KORVEX_PRIMITIVE_DESC(kDescInteger, kInteger, ASN_ID_INT, ASN1INT);
+KORVEX_PRIMITIVE_DESC_FLAGS(kDescBoolean, kBoolean, kNoStorage, ASN_ID_BOOL, ASN1BOOL);
+KORVEX_PRIMITIVE_DESC_FLAGS(kDescInteger, kInteger, kNoStorage, ASN_ID_INT, ASN1INT);
 KORVEX_PRIMITIVE_DESC(kDescBigInteger, kBigInteger, ASN_ID_INT, const char*);
-KORVEX_PRIMITIVE_DESC(kDescNull, kNull, ASN_ID_NULL, Asn1NullValue);
+KORVEX_PRIMITIVE_DESC_FLAGS(kDescNull, kNull, kNoStorage, ASN_ID_NULL, Asn1NullValue);
 KORVEX_PRIMITIVE_DESC(kDescBitString, kBitString, ASN_ID_BITSTR, ASN1DynBitStr);
 KORVEX_PRIMITIVE_DESC(kDescOctetString, kOctetString, ASN_ID_OCTSTR, ASN1DynOctStr);
-KORVEX_PRIMITIVE_DESC(kDescObjectId, kObjectId, ASN_ID_OBJID, ASN1OBJID);
+KORVEX_PRIMITIVE_DESC_FLAGS(kDescObjectId, kObjectId, kNoStorage, ASN_ID_OBJID, ASN1OBJID);
 KORVEX_PRIMITIVE_DESC(kDescOpenType, kOpenType, 0, ASN1OpenType);
 KORVEX_PRIMITIVE_DESC(kDescTableOpenType, kTableOpenType, 0, Asn1Object);
 KORVEX_PRIMITIVE_DESC(kDescTableOctetString, kTableOctetString, ASN_ID_OCTSTR, Asn1Object);
@@ -42,6 +44,7 @@ KORVEX_PRIMITIVE_DESC(kDescUniversalString, kUniversalString, ASN_ID_UniversalSt
                       Asn132BitCharString);
 
 #undef KORVEX_PRIMITIVE_DESC
+#undef KORVEX_PRIMITIVE_DESC_FLAGS
 
 void zeroRecord(void* record, unsigned size) {
   if (record) std::memset(record, 0, size);

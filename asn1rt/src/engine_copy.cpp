@@ -140,6 +140,7 @@ void freeStructured(Walk& w, const TypeDesc* d, void* rec) {
         if (m->presence >= 0 && !(m->flags & kDefault) && !present(d, rec, m->presence)) {
           continue;
         }
+        if (!(m->flags & kByPointer) && (m->type->flags & kNoStorage)) continue;
         freeMember(w, m, rec);
       }
       unsigned words = presenceWords(d);
@@ -250,6 +251,7 @@ int copyValue(Walk& w, const TypeDesc* d, const void* src, void* dest) {
 }
 
 void freeValue(Walk& w, const TypeDesc* d, void* v) {
+  if (d->flags & kNoStorage) return;
   ASN1CTXT* ctxt = w.ctxt;
   Level level(w);
   if (!level.ok()) return;  // deeper storage stays in the heap until it is released

@@ -39,13 +39,17 @@ std::vector<uint8_t> Encode(const TypeDesc* desc, void* value) {
 }
 
 // Whether DER of the type has rules beyond the element structure (DEFAULT
-// values left out, named bits trimmed, SET orders); such inputs may be
-// structurally DER and still not the DER of their value.
+// values left out, named bits trimmed, SET orders, the values inside
+// table-constrained open types and OCTET STRINGs, which are written from their
+// typed value); such inputs may be structurally DER and still not the DER of
+// their value.
 bool HasValueRules(const TypeDesc* d, int depth = 0) {
   if (!d || depth > 32) return true;
   switch (d->kind) {
     case Asn1Engine::kSet:
     case Asn1Engine::kSetOf:
+    case Asn1Engine::kTableOpenType:
+    case Asn1Engine::kTableOctetString:
       return true;
     case Asn1Engine::kBitString:
       return (d->flags & Asn1Engine::kNamedBits) != 0;

@@ -277,6 +277,28 @@ TEST_F(NamesDerTest, GeneralNameGettersAndRefusals) {
   EXPECT_EQ(Hex(latin.encode()), "81 02 41 FF");
 }
 
+TEST_F(NamesDerTest, GeneralNameImplHandlers) {
+  CGeneralNameImpl impl;
+  EXPECT_TRUE(impl.findTraits(1)->isType(1));
+  typedef ChoiceValueTraitsT<CBlob, 5> DirectoryNameHandler;
+  typedef ChoiceValueTraitsT<std::wstring, 9> RegisteredIdHandler;
+  EXPECT_EQ(impl.findTraits(5), &DirectoryNameHandler::instance());
+  EXPECT_EQ(impl.findTraits(9), &RegisteredIdHandler::instance());
+  EXPECT_EQ(impl.findTraits(0), &ChoiceNoneTraits::instance());
+  EXPECT_EQ(impl.findTraits(10), &ChoiceNoneTraits::instance());
+  std::wstring text = L"x";
+  impl.put_value(CGeneralName::kDNSName, &text);
+  EXPECT_EQ(*impl.get_as<std::wstring>(CGeneralName::kDNSName), L"x");
+  // An unknown number selects the no-alternative handler: the number is
+  // reported, every typed getter reports absence.
+  void* word = nullptr;
+  impl.put_value(12, &word);
+  EXPECT_EQ(impl.get_type(), 12u);
+  EXPECT_EQ(impl.get_as<std::wstring>(CGeneralName::kDNSName), nullptr);
+  CGeneralNameImpl copy(impl);
+  EXPECT_EQ(copy.get_type(), 12u);
+}
+
 TEST_F(NamesDerTest, GeneralNameCopiesAndEquality) {
   CGeneralName a;
   a.put_iPAddress(Blob("0A 00 00 01"));

@@ -6,7 +6,26 @@ from .errors import CompileError
 from .ir import CONS
 
 E = "::Korvex::Asn1Engine::"
-TYPE_FLAGS = {"kExtensible", "kListForm", "kUnsignedEnum", "kExplicitTag", "kNamedBits"}
+TYPE_FLAGS = {"kExtensible", "kListForm", "kUnsignedEnum", "kExplicitTag", "kNamedBits",
+              "kNoStorage"}
+PLAIN_KINDS = {"kBoolean", "kInteger", "kEnumerated", "kNull", "kObjectId"}
+
+
+def no_storage(d, seen=None):
+    """Whether a value of d owns no heap storage (free skips it): plain kinds,
+    and SEQUENCE/SET of such components held by value, without tables."""
+    seen = seen if seen is not None else set()
+    if id(d) in seen:
+        return False
+    seen.add(id(d))
+    if d.kind in PLAIN_KINDS:
+        return True
+    if d.kind in ("kTagged", "kAlias"):
+        return no_storage(d.inner, seen)
+    if d.kind in ("kSequence", "kSet") and d.members is not None:
+        return all(not m.by_pointer and m.table is None and no_storage(m.type, seen)
+                   for m in d.members)
+    return False
 
 
 def hexlist(data):
@@ -194,7 +213,10 @@ class Emitter:
                                                             "kChoice") else 0
         limits = self.limits_expr(d.limits)
         tix, tcount = self.tagindex_expr(d) if d.kind in ("kChoice", "kSet") else ("nullptr", 0)
-        flags = " | ".join(E + f for f in d.flags if f in TYPE_FLAGS) or "0"
+        names = [f for f in d.flags if f in TYPE_FLAGS]
+        if no_storage(d) and "kNoStorage" not in names:
+            names.append("kNoStorage")
+        flags = " | ".join(E + f for f in names) or "0"
         inner = self.desc_ref(d.inner) if d.inner is not None else "nullptr"
         return (f"{{{E}{d.kind}, {flags}, {count}, 0x{d.tag:08X}u, {d.size}, {d.off1}, "
                 f"{d.off2}, {inner}, {members}, {limits}, {tix}, {tcount}}}")

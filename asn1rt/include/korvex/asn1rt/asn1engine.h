@@ -89,7 +89,8 @@ enum : unsigned char {
   kListForm = 0x02,      // SEQUENCE OF / SET OF held as a list
   kUnsignedEnum = 0x04,  // ENUMERATED held as ASN1UINT
   kExplicitTag = 0x08,   // kTagged: explicit (else implicit)
-  kNamedBits = 0x10      // BIT STRING with named bits: DER drops trailing 0 bits
+  kNamedBits = 0x10,     // BIT STRING with named bits: DER drops trailing 0 bits
+  kNoStorage = 0x20      // the value owns no heap storage: free has nothing to do
 };
 
 /* MemberDesc::flags */

@@ -35,6 +35,10 @@ void ASN1T_Attribute_traits::get(ASN1_T const& rec, CAttribute& v) {
   for (ASN1UINT i = 0; i < rec.values.n; ++i) {
     CBlob der;
     Asn1TObject_traits::get(rec.values.elem[i], der);
+    // What decodes must encode again: a value the encoder would refuse (an
+    // element with the end-of-contents tag 00, which the decoder lets
+    // through as an open type) is refused here too.
+    detail::requireOneElement(der);
     attribute.add(der);
   }
   v = attribute;

@@ -154,6 +154,7 @@ void ASN1T_PolicyQualifierInfo_traits::get(ASN1_T const& rec, CPolicyQualifierIn
   v.put_policyQualifierId(detail::oidText(rec.policyQualifierId).c_str());
   CBlob qualifier;
   Asn1TObject_traits::get(rec.qualifier, qualifier);
+  detail::requireOneElement(qualifier);  // as the encoder will require
   v.put_qualifier(qualifier);
 }
 

@@ -52,61 +52,6 @@ void zeroRecord(void* record, unsigned size) {
 
 namespace detail {
 
-namespace {
-
-// Whether a value of d holds an ASN1OBJID by value (in itself or in a
-// component record), with a bound on the depth of records inside records.
-bool holdsObjectId(const TypeDesc* d, int depth = 0) {
-  d = storageType(d);
-  if (d->kind == kObjectId) return true;
-  if ((d->kind != kSequence && d->kind != kSet) || depth > 8) return false;
-  for (unsigned i = 0; i < d->memberCount; ++i) {
-    const MemberDesc& m = d->members[i];
-    if (!(m.flags & kByPointer) && holdsObjectId(m.type, depth + 1)) return true;
-  }
-  return false;
-}
-
-void clearValue(const TypeDesc* d, unsigned char* v, int depth = 0) {
-  d = storageType(d);
-  if (d->kind == kObjectId) {
-    static_cast<ASN1OBJID*>(static_cast<void*>(v))->numids = 0;
-    return;
-  }
-  if ((d->kind != kSequence && d->kind != kSet) || depth > 8) {
-    std::memset(v, 0, d->size);
-    return;
-  }
-  // Members lie in declaration order at rising offsets; the bytes around them
-  // (context reference, presence bits, padding) are cleared in between.
-  unsigned cursor = 0;
-  for (unsigned i = 0; i < d->memberCount; ++i) {
-    const MemberDesc& m = d->members[i];
-    if (m.offset < cursor) {  // not the layout expected: clear the whole value
-      std::memset(v, 0, d->size);
-      return;
-    }
-    std::memset(v + cursor, 0, m.offset - cursor);
-    clearValue(m.type, v + m.offset, depth + 1);
-    cursor = m.offset + storageType(m.type)->size;
-  }
-  if (cursor < d->size) std::memset(v + cursor, 0, d->size - cursor);
-}
-
-}  // namespace
-
-void* allocValues(ASN1CTXT* ctxt, const TypeDesc* d, size_t count) {
-  const size_t size = d->size;
-  if (!holdsObjectId(d)) return rtMemAllocZ(ctxt, size * count);
-  unsigned char* p = static_cast<unsigned char*>(rtMemAlloc(ctxt, size * count));
-  if (p) {
-    for (size_t i = 0; i < count; ++i) clearValue(d, p + i * size);
-  }
-  return p;
-}
-
-void* allocValue(ASN1CTXT* ctxt, const TypeDesc* d) { return allocValues(ctxt, d, 1); }
-
 bool typeMatches(const TypeDesc* d, ASN1TAG tag) {
   for (;;) {
     if (d->tag) return ((d->tag ^ tag) & ~TM_CONS) == 0;

@@ -112,7 +112,7 @@ int decodeMember(Walk& w, const MemberDesc* m, void* rec) {
   unsigned char* field = at(rec, m->offset);
   void* value = field;
   if (m->flags & kByPointer) {
-    value = allocValue(ctxt, m->type);
+    value = rtMemAllocZ(ctxt, m->type->size);
     if (!value) return fail(ctxt, ASN_E_NOMEM);
     store<void*>(field, value);  // before decoding, so that free finds it
   }
@@ -255,7 +255,7 @@ int decodeList(Walk& w, const TypeDesc* d, void* rec, int length) {
   if (isList(d)) {
     rtDList* list = listOf(rec);
     while (!atEnd(ctxt, start, length)) {
-      void* value = allocValue(ctxt, elem);
+      void* value = rtMemAllocZ(ctxt, elem->size);
       if (!value) return fail(ctxt, ASN_E_NOMEM);
       if (!rtDListAppend(ctxt, list, value)) {
         rtMemFreePtr(ctxt, value);
@@ -274,7 +274,7 @@ int decodeList(Walk& w, const TypeDesc* d, void* rec, int length) {
       // Each element takes at least two octets, so n is bounded by the input.
       unsigned long long bytes = static_cast<unsigned long long>(n) * elem->size;
       if (bytes > ASN1_MEMBLOCK_MAX) return fail(ctxt, ASN_E_NOMEM);
-      unsigned char* elems = static_cast<unsigned char*>(allocValues(ctxt, elem, n));
+      unsigned char* elems = static_cast<unsigned char*>(rtMemAllocZ(ctxt, bytes));
       if (!elems) return fail(ctxt, ASN_E_NOMEM);
       store<unsigned char*>(at(rec, d->off2), elems);
       store<ASN1UINT>(at(rec, d->off1), static_cast<ASN1UINT>(n));

@@ -91,15 +91,6 @@ inline const TypeDesc* storageType(const TypeDesc* d) {
   return d;
 }
 
-// A new value of type d from the type heap, cleared as decode needs it: every
-// byte except the unused arcs of OBJECT IDENTIFIERs held by value (an ASN1OBJID
-// is 516 octets; its count is cleared, its arcs are written up to the count).
-// Leaving those untouched keeps large records, such as extensions, mostly out
-// of the cache. Null when memory runs out.
-void* allocValue(ASN1CTXT* ctxt, const TypeDesc* d);
-// count values of type d in one block (a SEQUENCE OF array), cleared likewise.
-void* allocValues(ASN1CTXT* ctxt, const TypeDesc* d, size_t count);
-
 // Whether a type's encoding can start with tag (constructed bit ignored).
 bool typeMatches(const TypeDesc* d, ASN1TAG tag);
 inline bool memberMatches(const MemberDesc* m, ASN1TAG tag) {

@@ -71,7 +71,7 @@ int decodeWith(detail::Walk& w, const TypeDesc* type, const ASN1OCTET* data, ASN
                void** value) {
   ASN1CTXT* ctxt = w.ctxt;
   *value = nullptr;
-  void* v = detail::allocValue(ctxt, type);
+  void* v = rtMemAllocZ(ctxt, type->size);
   if (!v) return detail::fail(ctxt, ASN_E_NOMEM);
   ASN1CTXT saved;
   rtCopyContext(&saved, ctxt);

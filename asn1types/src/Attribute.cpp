@@ -5,7 +5,9 @@
 #include <cstring>
 #include <list>
 #include <string>
+#include <utility>
 
+#include "ContainerCodecs.h"
 #include "ValueSupport.h"
 
 namespace Korvex {
@@ -55,6 +57,7 @@ CAttribute& CAttribute::operator=(CAttribute const& other) {
   return *this;
 }
 CAttribute::~CAttribute() { delete m_impl; }
+void CAttribute::swap(CAttribute& other) noexcept { std::swap(m_impl, other.m_impl); }
 
 char const* CAttribute::get_oid() const { return m_impl->oid.c_str(); }
 
@@ -75,9 +78,9 @@ CAttribute::const_iterator CAttribute::end() const { return m_impl->values.end()
 std::size_t CAttribute::size() const { return m_impl->values.size(); }
 CAttribute::iterator CAttribute::erase(iterator it) { return m_impl->values.erase(it); }
 
-CBlob CAttribute::encode() const { return asn1Encode<ASN1T_Attribute_traits>(*this); }
+CBlob CAttribute::encode() const { return asn1Encode<containers::AttributeCodec>(*this); }
 void CAttribute::decode(CBlob const& der) {
-  detail::decodeWhole<ASN1T_Attribute_traits>(der, *this);
+  detail::decodeWhole<containers::AttributeCodec>(der, *this);
 }
 
 bool operator==(CAttribute const& a, CAttribute const& b) {
@@ -133,9 +136,9 @@ void CAttributes::add(CAttrValue const& value) {
   push_back(attribute);
 }
 
-CBlob CAttributes::encode() const { return asn1Encode<ASN1T_Attributes_traits>(*this); }
+CBlob CAttributes::encode() const { return asn1Encode<containers::AttributesCodec>(*this); }
 void CAttributes::decode(CBlob const& der) {
-  detail::decodeWhole<ASN1T_Attributes_traits>(der, *this);
+  detail::decodeWhole<containers::AttributesCodec>(der, *this);
 }
 
 }  // namespace ASN1

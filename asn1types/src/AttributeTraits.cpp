@@ -41,7 +41,7 @@ void ASN1T_Attribute_traits::get(ASN1_T const& rec, CAttribute& v) {
     detail::requireOneElement(der);
     attribute.add(der);
   }
-  v = attribute;
+  v.swap(attribute);
 }
 
 }  // namespace ASN1

@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 
+#include "ContainerCodecs.h"
 #include "ValueSupport.h"
 
 namespace Korvex {
@@ -47,10 +48,10 @@ CBlob const& CPolicyQualifierInfo::get_qualifier() const { return m_impl->qualif
 void CPolicyQualifierInfo::put_qualifier(CBlob const& der) { m_impl->qualifier = der; }
 
 CBlob CPolicyQualifierInfo::encode() const {
-  return asn1Encode<ASN1T_PolicyQualifierInfo_traits>(*this);
+  return asn1Encode<containers::PolicyQualifierInfoCodec>(*this);
 }
 void CPolicyQualifierInfo::decode(CBlob const& der) {
-  detail::decodeWhole<ASN1T_PolicyQualifierInfo_traits>(der, *this);
+  detail::decodeWhole<containers::PolicyQualifierInfoCodec>(der, *this);
 }
 
 bool operator==(CPolicyQualifierInfo const& a, CPolicyQualifierInfo const& b) {
@@ -99,10 +100,10 @@ void CPolicyInformation::put_policyQualifiers(CPolicyQualifierInfoList const* qu
 }
 
 CBlob CPolicyInformation::encode() const {
-  return asn1Encode<ASN1T_PolicyInformation_traits>(*this);
+  return asn1Encode<containers::PolicyInformationCodec>(*this);
 }
 void CPolicyInformation::decode(CBlob const& der) {
-  detail::decodeWhole<ASN1T_PolicyInformation_traits>(der, *this);
+  detail::decodeWhole<containers::PolicyInformationCodec>(der, *this);
 }
 
 bool operator==(CPolicyInformation const& a, CPolicyInformation const& b) {
@@ -128,10 +129,10 @@ CPolicyInformationList::const_iterator CPolicyInformationList::find(char const* 
 }
 
 CBlob CPolicyInformationList::encode() const {
-  return asn1Encode<ASN1T_CertificatePolicies_traits>(*this);
+  return asn1Encode<containers::CertificatePoliciesCodec>(*this);
 }
 void CPolicyInformationList::decode(CBlob const& der) {
-  detail::decodeWhole<ASN1T_CertificatePolicies_traits>(der, *this);
+  detail::decodeWhole<containers::CertificatePoliciesCodec>(der, *this);
 }
 
 // ---- traits ----

@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 
+#include "ContainerCodecs.h"
 #include "ValueSupport.h"
 
 namespace Korvex {
@@ -48,9 +49,9 @@ void CExtension::put_critical(bool critical) { m_impl->critical = critical; }
 CBlob const& CExtension::get_extnValue() const { return m_impl->extnValue; }
 void CExtension::put_extnValue(CBlob const& der) { m_impl->extnValue = der; }
 
-CBlob CExtension::encode() const { return asn1Encode<ASN1T_Extension_traits>(*this); }
+CBlob CExtension::encode() const { return asn1Encode<containers::ExtensionCodec>(*this); }
 void CExtension::decode(CBlob const& der) {
-  detail::decodeWhole<ASN1T_Extension_traits>(der, *this);
+  detail::decodeWhole<containers::ExtensionCodec>(der, *this);
 }
 
 bool operator==(CExtension const& a, CExtension const& b) {
@@ -73,9 +74,9 @@ CExtensions::const_iterator CExtensions::find(char const* oid) const {
   return oid ? it : end();
 }
 
-CBlob CExtensions::encode() const { return asn1Encode<ASN1T_Extensions_traits>(*this); }
+CBlob CExtensions::encode() const { return asn1Encode<containers::ExtensionsCodec>(*this); }
 void CExtensions::decode(CBlob const& der) {
-  detail::decodeWhole<ASN1T_Extensions_traits>(der, *this);
+  detail::decodeWhole<containers::ExtensionsCodec>(der, *this);
 }
 
 // ---- CrlReason ----

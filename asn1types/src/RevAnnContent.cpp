@@ -9,6 +9,7 @@
 
 #include <memory>
 
+#include "ContainerCodecs.h"
 #include "ValueSupport.h"
 
 namespace Korvex {
@@ -64,9 +65,9 @@ void CRevAnnContent::put_crlDetails(CExtensions const* crlDetails) {
   copy_to_auto_ptr(m_impl->crlDetails, crlDetails);
 }
 
-CBlob CRevAnnContent::encode() const { return asn1Encode<ASN1T_RevAnnContent_traits>(*this); }
+CBlob CRevAnnContent::encode() const { return asn1Encode<containers::RevAnnContentCodec>(*this); }
 void CRevAnnContent::decode(CBlob const& der) {
-  detail::decodeWhole<ASN1T_RevAnnContent_traits>(der, *this);
+  detail::decodeWhole<containers::RevAnnContentCodec>(der, *this);
 }
 
 bool operator==(CRevAnnContent const& a, CRevAnnContent const& b) {

@@ -70,6 +70,13 @@ TEST_F(AttributeTest, AttributeExactDer) {
   EXPECT_EQ(order, "01 01 FF;02 01 01;02 01 05;");
   EXPECT_TRUE(back != multi);  // same values, other order
 
+  // swap exchanges everything.
+  CAttribute other("1.2.4");
+  other.swap(back);
+  EXPECT_STREQ(back.get_oid(), "1.2.4");
+  EXPECT_EQ(back.size(), 0u);
+  EXPECT_EQ(other.size(), 3u);
+
   // No value: an empty SET OF.
   EXPECT_EQ(Hex(CAttribute("1.2.3").encode()), "30 06 06 02 2A 03 31 00");
   back.decode(Blob("30 06 06 02 2A 03 31 00"));
@@ -150,6 +157,14 @@ TEST_F(AttributeTest, AttributesFindEraseAdd) {
   ASSERT_EQ(back.size(), 1u);
   back.erase(back.begin());  // the list's own erase
   EXPECT_TRUE(back.empty());
+
+  // A value its attribute's type refuses (a content type that is an OCTET
+  // STRING) is kept as bytes; the typed class refuses it.
+  CAttributes odd;
+  odd.decode(Blob("31 11 30 0F 06 09 2A 86 48 86 F7 0D 01 09 03 31 02 04 00"));
+  EXPECT_EQ(Hex(odd.front().begin()->get_value()), "04 00");
+  EXPECT_EQ(ThrownCode([&] { CAttrContentType bad(odd.front().begin()->get_value()); }),
+            0x80093101u);
 
   // Decoding an empty SET OF empties the list; bad DER keeps it.
   attrs.decode(Blob("31 00"));

@@ -115,6 +115,14 @@ TEST_F(ExtensionValuesTest, ExtensionsListInOrder) {
   EXPECT_EQ(back.find(nullptr), back.end());
   CExtensions const& constant = back;
   EXPECT_EQ(constant.find("2.5.29.19"), constant.begin());
+  // A value its extension's type refuses (keyUsage as NULL) is kept as bytes
+  // by the list; the typed class refuses it.
+  CExtensions odd;
+  odd.decode(Blob("30 0E 30 0C 06 03 55 1D 0F 01 01 FF 04 02 05 00"));
+  ASSERT_EQ(odd.size(), 1u);
+  EXPECT_EQ(Hex(odd.front().get_extnValue()), "05 00");
+  CKeyUsage usage;
+  EXPECT_EQ(ThrownCode([&] { usage.decode(odd.front().get_extnValue()); }), 0x80093101u);
   // A bad element in the middle fails the whole list.
   EXPECT_EQ(ThrownCode([&] { back.decode(Blob("30 05 30 03 06 01 00")); }), 0x80093101u);
 }

@@ -82,6 +82,8 @@ class KORVEX_API CAttribute {
   CAttribute(CAttribute const& other);
   CAttribute& operator=(CAttribute const& other);
   ~CAttribute();
+  // swap: exchanges the two attributes' contents.
+  void swap(CAttribute& other) noexcept;
 
   char const* get_oid() const;
 

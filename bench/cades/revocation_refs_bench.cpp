@@ -47,12 +47,12 @@ CBlob CrlIssuer(CBlob const& crl) {
     q += len;
     return start;
   };
-  skipHeader(p);           // CertificateList
-  skipHeader(p);           // tbsCertList
-  skipElement(p);          // version
-  skipElement(p);          // signature
+  skipHeader(p);   // CertificateList
+  skipHeader(p);   // tbsCertList
+  skipElement(p);  // version
+  skipElement(p);  // signature
   unsigned char const* start = p;
-  skipElement(p);          // issuer
+  skipElement(p);  // issuer
   return CBlob(start, static_cast<unsigned long>(p - start));
 }
 
@@ -72,9 +72,9 @@ CAdES::CCompleteRevocationRefs MakeRefs(long count) {
   CAdES::CCRLListID crls;
   crls.push_back(crl);
 
-  CAdES::COcspResponsesID ocsp(CAdES::COcspIdentifier(
-      Korvex::PKI::OCSP::CResponderID::fromKeyHash(Bytes(0x22, 20)),
-      CDateTime(2024, 6, 1, 12, 0, 0, 0, 0)));
+  CAdES::COcspResponsesID ocsp(
+      CAdES::COcspIdentifier(Korvex::PKI::OCSP::CResponderID::fromKeyHash(Bytes(0x22, 20)),
+                             CDateTime(2024, 6, 1, 12, 0, 0, 0, 0)));
   COtherHash const hash(Bytes(0x33, 20));
   ocsp.put_ocspRepHash(&hash);
   CAdES::COcspListID ocsps;

@@ -1,10 +1,10 @@
 // CAdESCertificateRefs.cpp: CCompleteCertificateRefs and its traits.
-#include "CAdESSupport.h"
-
 #include <korvex/asn1types/PrimitiveTraits.h>
 #include <korvex/asn1types/SeqOfListTraits.h>
 #include <korvex/cades/CAdESAttributes.h>
 #include <korvex/cades/CAdESAttributesTraits.h>
+
+#include "CAdESSupport.h"
 
 namespace Korvex {
 namespace PKI {
@@ -27,8 +27,8 @@ struct OtherCertIDOpenType_traits {
   }
 };
 
-typedef ASN1::ASN1TSeqOfList_traits<ASN1OpenType, OtherCertIDOpenType_traits,
-                                    ASN1::COtherCertID, CCompleteCertificateRefs>
+typedef ASN1::ASN1TSeqOfList_traits<ASN1OpenType, OtherCertIDOpenType_traits, ASN1::COtherCertID,
+                                    CCompleteCertificateRefs>
     CertIDList_traits;
 
 }  // namespace
@@ -48,8 +48,7 @@ void ASN1T_CompleteCertificateRefs_traits::set(ASN1CTXT* ctxt, ASN1_T& rec,
   CertIDList_traits::set(ctxt, rec, value);
 }
 
-void ASN1T_CompleteCertificateRefs_traits::get(ASN1_T const& rec,
-                                               CCompleteCertificateRefs& value) {
+void ASN1T_CompleteCertificateRefs_traits::get(ASN1_T const& rec, CCompleteCertificateRefs& value) {
   CertIDList_traits::get(rec, value);
 }
 

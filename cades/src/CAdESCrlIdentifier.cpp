@@ -1,7 +1,5 @@
 // CAdESCrlIdentifier.cpp: CCrlIdentifier, its CRL-number forms and
 // ASN1T_CrlIdentifier_traits.
-#include "CAdESSupport.h"
-
 #include <korvex/asn1types/AutoPtr.h>
 #include <korvex/asn1types/ContextHandle.h>
 #include <korvex/asn1types/PrimitiveTraits.h>
@@ -14,6 +12,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+
+#include "CAdESSupport.h"
 
 namespace Korvex {
 namespace PKI {

@@ -1,9 +1,9 @@
 // CAdESCrlOcspRef.cpp: CCrlOcspRef, CCompleteRevocationRefs and their traits.
-#include "CAdESSupport.h"
-
 #include <korvex/asn1types/AutoPtr.h>
 #include <korvex/cades/CAdESAttributes.h>
 #include <korvex/cades/CAdESAttributesTraits.h>
+
+#include "CAdESSupport.h"
 
 namespace Korvex {
 namespace PKI {

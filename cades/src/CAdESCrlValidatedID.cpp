@@ -1,10 +1,10 @@
 // CAdESCrlValidatedID.cpp: CCrlValidatedID (and its matches), CCRLListID and
 // their traits.
-#include "CAdESSupport.h"
-
 #include <korvex/asn1types/AutoPtr.h>
 #include <korvex/cades/CAdESAttributes.h>
 #include <korvex/cades/CAdESAttributesTraits.h>
+
+#include "CAdESSupport.h"
 
 namespace Korvex {
 namespace PKI {
@@ -26,8 +26,7 @@ CCrlValidatedID::CCrlValidatedID(ASN1::COtherHash const& crlHash) : m_impl(new I
   m_impl->crlHash = crlHash;
 }
 
-CCrlValidatedID::CCrlValidatedID(CCrlValidatedID const& other)
-    : m_impl(new Impl(*other.m_impl)) {}
+CCrlValidatedID::CCrlValidatedID(CCrlValidatedID const& other) : m_impl(new Impl(*other.m_impl)) {}
 
 CCrlValidatedID& CCrlValidatedID::operator=(CCrlValidatedID const& other) {
   if (this != &other) m_impl.reset(new Impl(*other.m_impl));

@@ -1,11 +1,11 @@
 // CAdESOcspIdentifier.cpp: COcspIdentifier, COcspResponsesID, COcspListID and
 // their traits.
-#include "CAdESSupport.h"
-
 #include <korvex/asn1types/AutoPtr.h>
 #include <korvex/asn1types/GeneralizedTimeText.h>
 #include <korvex/cades/CAdESAttributes.h>
 #include <korvex/cades/CAdESAttributesTraits.h>
+
+#include "CAdESSupport.h"
 
 namespace Korvex {
 namespace PKI {
@@ -27,8 +27,7 @@ COcspIdentifier::COcspIdentifier(OCSP::CResponderID const& ocspResponderID,
   m_impl->producedAt = producedAt;
 }
 
-COcspIdentifier::COcspIdentifier(COcspIdentifier const& other)
-    : m_impl(new Impl(*other.m_impl)) {}
+COcspIdentifier::COcspIdentifier(COcspIdentifier const& other) : m_impl(new Impl(*other.m_impl)) {}
 
 COcspIdentifier& COcspIdentifier::operator=(COcspIdentifier const& other) {
   if (this != &other) m_impl.reset(new Impl(*other.m_impl));
@@ -172,8 +171,7 @@ void ASN1T_OcspIdentifier_traits::get(ASN1_T const& rec, COcspIdentifier& value)
   value.put_producedAt(support::ParseGeneralizedTime(rec.producedAt));
 }
 
-void ASN1T_OcspResponsesID_traits::set(ASN1CTXT* ctxt, ASN1_T& rec,
-                                       COcspResponsesID const& value) {
+void ASN1T_OcspResponsesID_traits::set(ASN1CTXT* ctxt, ASN1_T& rec, COcspResponsesID const& value) {
   if (!ctxt) ASN1::throwInvalidArgument();
   rec.m.ocspRepHashPresent = 0;
   ASN1T_OcspIdentifier_traits::set(ctxt, rec.ocspIdentifier, value.get_ocspIdentifier());

@@ -1,11 +1,11 @@
 // CAdESRevocationValues.cpp: CRevocationValues and its traits.
-#include "CAdESSupport.h"
-
 #include <korvex/asn1types/AutoPtr.h>
 #include <korvex/asn1types/PrimitiveTraits.h>
 #include <korvex/asn1types/SeqOfListTraits.h>
 #include <korvex/cades/CAdESAttributes.h>
 #include <korvex/cades/CAdESAttributesTraits.h>
+
+#include "CAdESSupport.h"
 
 namespace Korvex {
 namespace PKI {

@@ -23,8 +23,7 @@ using Korvex::CBlob;
 namespace CAdES = Korvex::PKI::CAdES;
 
 bool KnownCode(unsigned code) {
-  return code == 0x80093101u || code == 0x80093106u || code == 0x80070057u ||
-         code == 0x8007000Eu;
+  return code == 0x80093101u || code == 0x80093106u || code == 0x80070057u || code == 0x8007000Eu;
 }
 
 template <class Value>
@@ -56,17 +55,39 @@ extern "C" int LLVMFuzzerTestOneInput(uint8_t const* data, size_t size) {
   if (size < 1 || size > 1 << 16) return 0;
   CBlob input(data + 1, static_cast<unsigned long>(size - 1));
   switch (data[0] % 11) {
-    case 0: RoundTrip<CAdES::CCrlIdentifier>(input); break;
-    case 1: RoundTrip<CAdES::CCrlValidatedID>(input); break;
-    case 2: RoundTrip<CAdES::CCRLListID>(input); break;
-    case 3: RoundTrip<CAdES::COcspIdentifier>(input); break;
-    case 4: RoundTrip<CAdES::COcspResponsesID>(input); break;
-    case 5: RoundTrip<CAdES::COcspListID>(input); break;
-    case 6: RoundTrip<CAdES::CCrlOcspRef>(input); break;
-    case 7: RoundTrip<CAdES::CCompleteRevocationRefs>(input); break;
-    case 8: RoundTrip<CAdES::CRevocationValues>(input); break;
-    case 9: RoundTrip<CAdES::CCompleteCertificateRefs>(input); break;
-    default: RoundTrip<Korvex::PKI::OCSP::CResponderID>(input); break;
+    case 0:
+      RoundTrip<CAdES::CCrlIdentifier>(input);
+      break;
+    case 1:
+      RoundTrip<CAdES::CCrlValidatedID>(input);
+      break;
+    case 2:
+      RoundTrip<CAdES::CCRLListID>(input);
+      break;
+    case 3:
+      RoundTrip<CAdES::COcspIdentifier>(input);
+      break;
+    case 4:
+      RoundTrip<CAdES::COcspResponsesID>(input);
+      break;
+    case 5:
+      RoundTrip<CAdES::COcspListID>(input);
+      break;
+    case 6:
+      RoundTrip<CAdES::CCrlOcspRef>(input);
+      break;
+    case 7:
+      RoundTrip<CAdES::CCompleteRevocationRefs>(input);
+      break;
+    case 8:
+      RoundTrip<CAdES::CRevocationValues>(input);
+      break;
+    case 9:
+      RoundTrip<CAdES::CCompleteCertificateRefs>(input);
+      break;
+    default:
+      RoundTrip<Korvex::PKI::OCSP::CResponderID>(input);
+      break;
   }
   return 0;
 }

@@ -2,7 +2,6 @@
 // range rule (code 1901), decoding of the two-digit year, malformed input,
 // and the identifiers of the real CRL fixtures.
 #include <gtest/gtest.h>
-
 #include <korvex/cades/CAdESAttributes.h>
 
 #include <climits>
@@ -325,8 +324,8 @@ TEST(CrlIdentifierTest, FixtureCrls) {
     ASSERT_EQ(0x17, facts.thisUpdateTag);
     CCrlIdentifier id(facts.issuer, c.thisUpdate);
     id.put_crlNumber(&c.number);
-    CBlob expected = Tlv(0x30, Cat({facts.issuer, Tlv(0x17, Text(facts.thisUpdate)),
-                                    Tlv(0x02, facts.number)}));
+    CBlob expected =
+        Tlv(0x30, Cat({facts.issuer, Tlv(0x17, Text(facts.thisUpdate)), Tlv(0x02, facts.number)}));
     CBlob der = id.encode();
     EXPECT_EQ(Hex(expected), Hex(der));
     CCrlIdentifier back;

@@ -2,7 +2,6 @@
 // and [1] tags, empty-but-present lists written as absent, the
 // absent/present rule of equality, otherRev ignored, malformed input.
 #include <gtest/gtest.h>
-
 #include <korvex/cades/CAdESAttributes.h>
 
 #include <string>
@@ -15,8 +14,8 @@ using Korvex::CBlob;
 using Korvex::CDateTime;
 using Korvex::ASN1::COtherHash;
 using Korvex::PKI::CAdES::CCompleteRevocationRefs;
-using Korvex::PKI::CAdES::CCRLListID;
 using Korvex::PKI::CAdES::CCrlIdentifier;
+using Korvex::PKI::CAdES::CCRLListID;
 using Korvex::PKI::CAdES::CCrlOcspRef;
 using Korvex::PKI::CAdES::CCrlValidatedID;
 using Korvex::PKI::CAdES::COcspIdentifier;
@@ -159,12 +158,12 @@ TEST(CrlOcspRefTest, MalformedInputKeepsTheValue) {
   const std::string kBad[] = {
       "",
       "31 00",
-      "30 02 A0 00",                          // [0] with nothing inside
-      "30 04 A0 02 30 00",                    // CRLListID without crls
-      "30 06 A3 04 30 02 30 00",              // no field [3]
-      "30 1E A1 1C " + crls,                  // a CRL list where OCSP ones belong
-      "30 06 80 04 30 02 30 00",              // primitive [0]
-      "30 00 00",                             // trailing byte
+      "30 02 A0 00",                                     // [0] with nothing inside
+      "30 04 A0 02 30 00",                               // CRLListID without crls
+      "30 06 A3 04 30 02 30 00",                         // no field [3]
+      "30 1E A1 1C " + crls,                             // a CRL list where OCSP ones belong
+      "30 06 80 04 30 02 30 00",                         // primitive [0]
+      "30 00 00",                                        // trailing byte
       "30 1E A0 1C " + crls.substr(0, crls.size() - 3),  // truncated
   };
   for (std::string const& hex : kBad) {
@@ -186,8 +185,8 @@ TEST(CompleteRevocationRefsTest, ExactDerAndOrder) {
   refs.push_back(Ref(&crls, nullptr));
   refs.push_back(Ref(nullptr, &ocsps));
   CBlob der = refs.encode();
-  CBlob expected = Tlv(0x30, Cat({Blob("30 00"), Ref(&crls, nullptr).encode(),
-                                  Ref(nullptr, &ocsps).encode()}));
+  CBlob expected =
+      Tlv(0x30, Cat({Blob("30 00"), Ref(&crls, nullptr).encode(), Ref(nullptr, &ocsps).encode()}));
   EXPECT_EQ(Hex(expected), Hex(der));
 
   CCompleteRevocationRefs back;

@@ -1,7 +1,6 @@
 // CCrlValidatedID and CCRLListID: exact DER, matches in every step,
 // equality's absent/present rule, list order, malformed input.
 #include <gtest/gtest.h>
-
 #include <korvex/cades/CAdESAttributes.h>
 
 #include <string>
@@ -15,8 +14,8 @@ using Korvex::CDateTime;
 using Korvex::ASN1::CAlgorithmIdentifier;
 using Korvex::ASN1::COtherHash;
 using Korvex::ASN1::COtherHashAlgAndValue;
-using Korvex::PKI::CAdES::CCRLListID;
 using Korvex::PKI::CAdES::CCrlIdentifier;
+using Korvex::PKI::CAdES::CCRLListID;
 using Korvex::PKI::CAdES::CCrlValidatedID;
 using namespace revreftest;
 
@@ -167,10 +166,10 @@ TEST(CrlValidatedIDTest, Matches) {
   const Case kCases[] = {
       {"identical", base, base, true, true, true, true},
       {"hashes differ", base, Validated(Sha1(2), &numbered), false, false, false, false},
-      {"hashes differ, no identifiers", Validated(Sha1(1), nullptr),
-       Validated(Sha1(2), nullptr), false, false, false, false},
-      {"neither has an identifier", Validated(Sha1(1), nullptr), Validated(Sha1(1), nullptr),
-       true, true, true, true},
+      {"hashes differ, no identifiers", Validated(Sha1(1), nullptr), Validated(Sha1(2), nullptr),
+       false, false, false, false},
+      {"neither has an identifier", Validated(Sha1(1), nullptr), Validated(Sha1(1), nullptr), true,
+       true, true, true},
       {"right lacks the identifier", base, Validated(Sha1(1), nullptr), false, true, false, true},
       {"left lacks the identifier", Validated(Sha1(1), nullptr), base, false, true, false, true},
       {"times differ", base, Validated(Sha1(1), &laterTime), false, false, false, false},
@@ -191,8 +190,8 @@ TEST(CrlValidatedIDTest, Matches) {
   // A sha1Hash and an otherHash naming SHA-1 with the same bytes are
   // different OtherHash values: no match.
   COtherHashAlgAndValue const sha1(Repeat(1, 20), CAlgorithmIdentifier("1.3.14.3.2.26"));
-  EXPECT_FALSE(Validated(Sha1(1), nullptr).matches(Validated(COtherHash(sha1), nullptr), true,
-                                                   true));
+  EXPECT_FALSE(
+      Validated(Sha1(1), nullptr).matches(Validated(COtherHash(sha1), nullptr), true, true));
 }
 
 TEST(CRLListIDTest, ExactDerAndOrder) {
@@ -231,8 +230,9 @@ TEST(CRLListIDTest, ExactDerAndOrder) {
 }
 
 TEST(CRLListIDTest, MalformedInputKeepsTheList) {
-  const char* kBad[] = {"30 00", "30 02 31 00", "30 04 30 02 02 00", "30 04 30 02 30 00",
-                        "30 02 30 00 00", "30 05 30 03 30 01"};
+  const char* kBad[] = {
+      "30 00",          "30 02 31 00",      "30 04 30 02 02 00", "30 04 30 02 30 00",
+      "30 02 30 00 00", "30 05 30 03 30 01"};
   for (char const* hex : kBad) {
     SCOPED_TRACE(hex);
     CCRLListID list;

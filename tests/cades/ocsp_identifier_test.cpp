@@ -2,7 +2,6 @@
 // identifiers of the OCSP fixtures, GeneralizedTime forms, equality and
 // malformed input.
 #include <gtest/gtest.h>
-
 #include <korvex/cades/CAdESAttributes.h>
 
 #include <string>
@@ -21,13 +20,10 @@ using Korvex::PKI::OCSP::CResponderID;
 using namespace revreftest;
 
 const char kKeyHash[] = "00 01 02 03 04 05 06 07 08 09 0A 0B 0C 0D 0E 0F 10 11 12 13";
-const char kByKey[] =
-    "A2 16 04 14 00 01 02 03 04 05 06 07 08 09 0A 0B 0C 0D 0E 0F 10 11 12 13";
+const char kByKey[] = "A2 16 04 14 00 01 02 03 04 05 06 07 08 09 0A 0B 0C 0D 0E 0F 10 11 12 13";
 const char kName[] = "30 0F 31 0D 30 0B 06 03 55 04 03 0C 04 54 65 73 74";
 
-CDateTime Noon(unsigned ms = 0, unsigned us = 0) {
-  return CDateTime(2024, 6, 1, 12, 0, 0, ms, us);
-}
+CDateTime Noon(unsigned ms = 0, unsigned us = 0) { return CDateTime(2024, 6, 1, 12, 0, 0, ms, us); }
 
 COcspIdentifier ByKey(CDateTime const& t) {
   return COcspIdentifier(CResponderID::fromKeyHash(Blob(kKeyHash)), t);
@@ -132,8 +128,7 @@ TEST(OcspIdentifierTest, MalformedInputKeepsTheValue) {
       {"UTCTime", Tlv(0x30, Cat({Blob(kByKey), Tlv(0x17, Text("240601123045Z"))}))},
       {"responder not a ResponderID",
        Tlv(0x30, Cat({Blob("04 01 00"), Tlv(0x18, Text("20240601123045Z"))}))},
-      {"responder [3]",
-       Tlv(0x30, Cat({Blob("A3 02 04 00"), Tlv(0x18, Text("20240601123045Z"))}))},
+      {"responder [3]", Tlv(0x30, Cat({Blob("A3 02 04 00"), Tlv(0x18, Text("20240601123045Z"))}))},
       {"no time", Tlv(0x30, Blob(kByKey))},
       {"trailing bytes", Cat({WithTime("20240601123045Z"), Blob("00")})},
   };
@@ -220,10 +215,10 @@ TEST(OcspResponsesIDTest, MalformedInput) {
   std::string const idHex = Hex(ByKey(Noon()).encode());
   const std::string kBad[] = {
       "30 00",
-      "30 02 04 00",                                  // a hash without identifier
-      "30 2F " + idHex + " 02 02 01 05",              // the hash an INTEGER
-      "30 2F " + idHex + " 04 00 05 00",              // an element after the hash
-      "30 2D " + idHex + " 30 00",                    // an empty OtherHash SEQUENCE
+      "30 02 04 00",                      // a hash without identifier
+      "30 2F " + idHex + " 02 02 01 05",  // the hash an INTEGER
+      "30 2F " + idHex + " 04 00 05 00",  // an element after the hash
+      "30 2D " + idHex + " 30 00",        // an empty OtherHash SEQUENCE
   };
   for (std::string const& hex : kBad) {
     SCOPED_TRACE(hex);

@@ -6,7 +6,6 @@
 // crlVals or ocspVals holding no element) are left out; a BER one (indefinite
 // lengths) comes back as its DER, which then reads and writes unchanged.
 #include <gtest/gtest.h>
-
 #include <korvex/cades/CAdESAttributes.h>
 
 #include <algorithm>
@@ -27,8 +26,7 @@ namespace CAdES = Korvex::PKI::CAdES;
 
 // The OID contents octets of id-aa-ets-certificateRefs .. revocationValues
 // (1.2.840.113549.1.9.16.2.21/.22/.24) differ in their last octet only.
-const unsigned char kAttrPrefix[] = {0x2A, 0x86, 0x48, 0x86, 0xF7, 0x0D,
-                                     0x01, 0x09, 0x10, 0x02};
+const unsigned char kAttrPrefix[] = {0x2A, 0x86, 0x48, 0x86, 0xF7, 0x0D, 0x01, 0x09, 0x10, 0x02};
 
 // AttributeArc: 21, 22 or 24 for SEQUENCE { OID .2.21/.22/.24, SET {...} },
 // 0 for anything else.

@@ -2,7 +2,6 @@
 // CRL and OCSP fixtures, empty lists written as absent, otherRevVals
 // ignored, equality, malformed input.
 #include <gtest/gtest.h>
-
 #include <korvex/cades/CAdESAttributes.h>
 
 #include <string>
@@ -98,8 +97,8 @@ TEST(RevocationValuesTest, EmptyButPresentComparesUnequalUntilRoundTrip) {
 
 TEST(RevocationValuesTest, OtherRevValsIsIgnored) {
   CBlobList const ocsps = Ocsps();
-  CBlob der = Tlv(0x30, Cat({Tlv(0xA1, SeqOf(ocsps)),
-                             Blob("A2 0A 30 08 06 02 2A 03 30 02 05 00")}));
+  CBlob der =
+      Tlv(0x30, Cat({Tlv(0xA1, SeqOf(ocsps)), Blob("A2 0A 30 08 06 02 2A 03 30 02 05 00")}));
   CRevocationValues values;
   values.decode(der);
   EXPECT_TRUE(values == Values(nullptr, &ocsps));
@@ -134,11 +133,11 @@ TEST(RevocationValuesTest, Equality) {
 TEST(RevocationValuesTest, MalformedInputKeepsTheValue) {
   const char* kBad[] = {
       "31 00",
-      "30 02 A0 00",                 // [0] without its SEQUENCE OF
-      "30 04 A0 02 31 00",           // a SET where the SEQUENCE OF stands
-      "30 04 A3 02 30 00",           // no field [3]
-      "30 06 A0 04 30 02 30 05",     // truncated element
-      "30 00 00",                    // trailing byte
+      "30 02 A0 00",                    // [0] without its SEQUENCE OF
+      "30 04 A0 02 31 00",              // a SET where the SEQUENCE OF stands
+      "30 04 A3 02 30 00",              // no field [3]
+      "30 06 A0 04 30 02 30 05",        // truncated element
+      "30 00 00",                       // trailing byte
       "30 04 A1 02 30 00 A0 02 30 00",  // [1] before [0]
   };
   CBlobList const crls = Crls();

@@ -76,7 +76,7 @@ unsigned ThrownCode(F&& f) {
 struct Element {
   unsigned char const* start = nullptr;
   std::size_t header = 0;
-  std::size_t length = 0;     // contents length (without end-of-contents octets)
+  std::size_t length = 0;  // contents length (without end-of-contents octets)
   bool indefinite = false;
 
   unsigned char tag() const { return start[0]; }

@@ -2,7 +2,6 @@
 // the responders of the OCSP fixtures, names that a strict X.520 reading
 // would refuse, BER input, malformed input and equality.
 #include <gtest/gtest.h>
-
 #include <korvex/asn1types/Names.h>
 #include <korvex/ocsp/ResponderID.h>
 #include <korvex/ocsp/ResponderIDTraits.h>
@@ -180,20 +179,20 @@ TEST(ResponderIDTest, BerIsReadAndWrittenAsDer) {
 
 TEST(ResponderIDTest, MalformedInputKeepsTheValue) {
   const char* kBad[] = {
-      "",                                   // nothing
-      "A1",                                 // no length
-      "A1 11 30 0F 31 0D",                  // truncated
-      "A3 02 04 00",                        // no such alternative
-      "A0 02 30 00",                        // [0] is not an alternative
+      "",                                                    // nothing
+      "A1",                                                  // no length
+      "A1 11 30 0F 31 0D",                                   // truncated
+      "A3 02 04 00",                                         // no such alternative
+      "A0 02 30 00",                                         // [0] is not an alternative
       "30 0F 31 0D 30 0B 06 03 55 04 03 0C 04 54 65 73 74",  // a bare Name
       "04 14 00 01 02 03 04 05 06 07 08 09 0A 0B 0C 0D 0E 0F 10 11 12 13",  // bare hash
-      "A1 03 02 01 05",                     // byName holding an INTEGER
-      "A2 03 02 01 05",                     // byKey holding an INTEGER
-      "A2 00",                              // byKey without its OCTET STRING
-      "A2 02 04 00 00",                     // explicit tag longer than its contents
-      "A2 02 04 00 05 00",                  // trailing element
-      "A1 04 30 02 31 00",                  // an empty RDN (SET SIZE (1..MAX))
-      "82 02 04 00",                        // primitive form of the explicit tag
+      "A1 03 02 01 05",     // byName holding an INTEGER
+      "A2 03 02 01 05",     // byKey holding an INTEGER
+      "A2 00",              // byKey without its OCTET STRING
+      "A2 02 04 00 00",     // explicit tag longer than its contents
+      "A2 02 04 00 05 00",  // trailing element
+      "A1 04 30 02 31 00",  // an empty RDN (SET SIZE (1..MAX))
+      "82 02 04 00",        // primitive form of the explicit tag
   };
   for (char const* hex : kBad) {
     SCOPED_TRACE(hex);

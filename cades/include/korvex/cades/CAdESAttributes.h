@@ -60,8 +60,8 @@ namespace PKI {
 namespace CAdES {
 
 // The codes this file's classes throw beside those of the value classes.
-constexpr HRESULT kCrlNumberError = 13;        // ERROR_INVALID_DATA
-constexpr HRESULT kUtcTimeRangeError = 1901;   // ERROR_INVALID_TIME
+constexpr HRESULT kCrlNumberError = 13;       // ERROR_INVALID_DATA
+constexpr HRESULT kUtcTimeRangeError = 1901;  // ERROR_INVALID_TIME
 
 // ---- CRL references --------------------------------------------------------
 

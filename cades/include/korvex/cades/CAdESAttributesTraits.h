@@ -2,18 +2,18 @@
 // (CAdESAttributes.h) to and from the generated records of the ASN1CADES
 // module, in the traits convention of <korvex/asn1types/Traits.h>.
 //
-// | traits                               | record (ASN1CADES::)         | typed value              |
+// | traits                               | record (ASN1CADES::)         | typed value |
 // |--------------------------------------|------------------------------|--------------------------|
-// | ASN1T_CrlIdentifier_traits           | ASN1T_CrlIdentifier          | CCrlIdentifier           |
-// | ASN1T_CrlValidatedID_traits          | ASN1T_CrlValidatedID         | CCrlValidatedID          |
-// | ASN1T_CRLListID_traits               | ASN1T_CRLListID              | CCRLListID               |
-// | ASN1T_OcspIdentifier_traits          | ASN1T_OcspIdentifier         | COcspIdentifier          |
-// | ASN1T_OcspResponsesID_traits         | ASN1T_OcspResponsesID        | COcspResponsesID         |
-// | ASN1T_OcspListID_traits              | ASN1T_OcspListID             | COcspListID              |
-// | ASN1T_CrlOcspRef_traits              | ASN1T_CrlOcspRef             | CCrlOcspRef              |
-// | ASN1T_CompleteRevocationRefs_traits  | ASN1T_CompleteRevocationRefs | CCompleteRevocationRefs  |
-// | ASN1T_RevocationValues_traits        | ASN1T_RevocationValues       | CRevocationValues        |
-// | ASN1T_CompleteCertificateRefs_traits | ASN1T_CompleteCertificateRefs| CCompleteCertificateRefs |
+// | ASN1T_CrlIdentifier_traits           | ASN1T_CrlIdentifier          | CCrlIdentifier | |
+// ASN1T_CrlValidatedID_traits          | ASN1T_CrlValidatedID         | CCrlValidatedID          |
+// | ASN1T_CRLListID_traits               | ASN1T_CRLListID              | CCRLListID | |
+// ASN1T_OcspIdentifier_traits          | ASN1T_OcspIdentifier         | COcspIdentifier          |
+// | ASN1T_OcspResponsesID_traits         | ASN1T_OcspResponsesID        | COcspResponsesID | |
+// ASN1T_OcspListID_traits              | ASN1T_OcspListID             | COcspListID              |
+// | ASN1T_CrlOcspRef_traits              | ASN1T_CrlOcspRef             | CCrlOcspRef | |
+// ASN1T_CompleteRevocationRefs_traits  | ASN1T_CompleteRevocationRefs | CCompleteRevocationRefs  |
+// | ASN1T_RevocationValues_traits        | ASN1T_RevocationValues       | CRevocationValues | |
+// ASN1T_CompleteCertificateRefs_traits | ASN1T_CompleteCertificateRefs| CCompleteCertificateRefs |
 //
 // The types of other modules (Name, OtherHash, ResponderID, OtherCertID,
 // CertificateList, BasicOCSPResponse) are open types in these records: set
@@ -65,8 +65,8 @@ struct KORVEX_API ASN1T_CrlValidatedID_traits
 struct KORVEX_API ASN1T_CRLListID_traits
     : ASN1::GeneratedTraits<ASN1CADES::ASN1T_CRLListID, ASN1CADES::ASN1C_CRLListID,
                             &ASN1CADES::asn1Copy_CRLListID> {
-  typedef ASN1::ASN1TSeqOfList_traits<ASN1CADES::ASN1T_CrlValidatedID,
-                                      ASN1T_CrlValidatedID_traits, CCrlValidatedID, CCRLListID>
+  typedef ASN1::ASN1TSeqOfList_traits<ASN1CADES::ASN1T_CrlValidatedID, ASN1T_CrlValidatedID_traits,
+                                      CCrlValidatedID, CCRLListID>
       list_traits;
   static void set(ASN1CTXT* ctxt, ASN1_T& rec, CCRLListID const& value);
   static void get(ASN1_T const& rec, CCRLListID& value);
@@ -99,8 +99,7 @@ struct KORVEX_API ASN1T_OcspListID_traits
     : ASN1::GeneratedTraits<ASN1CADES::ASN1T_OcspListID, ASN1CADES::ASN1C_OcspListID,
                             &ASN1CADES::asn1Copy_OcspListID> {
   typedef ASN1::ASN1TSeqOfList_traits<ASN1CADES::ASN1T_OcspResponsesID,
-                                      ASN1T_OcspResponsesID_traits, COcspResponsesID,
-                                      COcspListID>
+                                      ASN1T_OcspResponsesID_traits, COcspResponsesID, COcspListID>
       list_traits;
   static void set(ASN1CTXT* ctxt, ASN1_T& rec, COcspListID const& value);
   static void get(ASN1_T const& rec, COcspListID& value);
@@ -119,8 +118,8 @@ struct KORVEX_API ASN1T_CrlOcspRef_traits
 
 // ASN1T_CompleteRevocationRefs_traits: one CrlOcspRef per element, in order.
 struct KORVEX_API ASN1T_CompleteRevocationRefs_traits
-    : ASN1::ASN1TSeqOfList_traits<ASN1CADES::ASN1T_CrlOcspRef, ASN1T_CrlOcspRef_traits,
-                                  CCrlOcspRef, CCompleteRevocationRefs> {
+    : ASN1::ASN1TSeqOfList_traits<ASN1CADES::ASN1T_CrlOcspRef, ASN1T_CrlOcspRef_traits, CCrlOcspRef,
+                                  CCompleteRevocationRefs> {
   typedef ASN1CADES::ASN1T_CompleteRevocationRefs ASN1_T;
   typedef ASN1CADES::ASN1C_CompleteRevocationRefs ASN1_C;
   static void copy(ASN1CTXT* ctxt, ASN1_T const& src, ASN1_T& dst);
@@ -131,8 +130,7 @@ struct KORVEX_API ASN1T_CompleteRevocationRefs_traits
 // a list whose bit is set and which has elements, and removes it otherwise.
 // otherRevVals is never written and is ignored when read.
 struct KORVEX_API ASN1T_RevocationValues_traits
-    : ASN1::GeneratedTraits<ASN1CADES::ASN1T_RevocationValues,
-                            ASN1CADES::ASN1C_RevocationValues,
+    : ASN1::GeneratedTraits<ASN1CADES::ASN1T_RevocationValues, ASN1CADES::ASN1C_RevocationValues,
                             &ASN1CADES::asn1Copy_RevocationValues> {
   static void set(ASN1CTXT* ctxt, ASN1_T& rec, CRevocationValues const& value);
   static void get(ASN1_T const& rec, CRevocationValues& value);

@@ -9,7 +9,7 @@
 namespace Korvex {
 namespace Asn1Engine {
 
-#define KORVEX_PRIMITIVE_DESC_FLAGS(name, kind, flags, tag, ctype)              \
+#define KORVEX_PRIMITIVE_DESC_FLAGS(name, kind, flags, tag, ctype)          \
   const TypeDesc name = {kind, flags,   0,       tag,     sizeof(ctype), 0, \
                          0,    nullptr, nullptr, nullptr, nullptr,       0}
 #define KORVEX_PRIMITIVE_DESC(name, kind, tag, ctype) \

@@ -320,8 +320,8 @@ void freeTablesOf(Walk& w, const TypeDesc* d, void* rec) {
   for (unsigned i = 0; i < d->memberCount; ++i) {
     const MemberDesc* m = &d->members[i];
     if (!m->table) continue;
-    if (!m->table->viaList && !static_cast<Asn1Object*>(static_cast<void*>(at(rec, m->offset)))
-                                   ->decoded) {
+    if (!m->table->viaList &&
+        !static_cast<Asn1Object*>(static_cast<void*>(at(rec, m->offset)))->decoded) {
       continue;  // nothing typed to free: no lookup
     }
     const InfoObject* obj = tableObject(d, m, rec);

@@ -17,6 +17,7 @@
 #include <openssl/pkcs7.h>
 #include <openssl/ts.h>
 #include <openssl/x509.h>
+#include <sys/stat.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -25,7 +26,6 @@
 #include <map>
 #include <memory>
 #include <string>
-#include <sys/stat.h>
 #include <vector>
 
 namespace {
@@ -59,8 +59,8 @@ struct Peer {
   void (*free)(void* v);
 };
 
-template <typename T, T* (*D)(T**, const unsigned char**, long), int (*E)(const T*, unsigned char**),
-          void (*F)(T*)>
+template <typename T, T* (*D)(T**, const unsigned char**, long),
+          int (*E)(const T*, unsigned char**), void (*F)(T*)>
 Peer MakePeer() {
   return {[](const unsigned char** p, long n) -> void* { return D(nullptr, p, n); },
           [](void* v, unsigned char** out) { return E(static_cast<const T*>(v), out); },
@@ -146,7 +146,8 @@ class Ours {
 
   bool Decode(const Bytes& der) {
     rtErrReset(&dec_.errInfo);
-    if (xd_setp(&dec_, der.data(), static_cast<int>(der.size()), nullptr, nullptr) < 0) return false;
+    if (xd_setp(&dec_, der.data(), static_cast<int>(der.size()), nullptr, nullptr) < 0)
+      return false;
     return Korvex::Asn1Engine::decode(&dec_, desc_, rec_.data(), ASN1EXPL, 0) == 0;
   }
   // Encodes the decoded record into out (sized for it); the length or -1.
@@ -237,18 +238,22 @@ class TableReporter : public benchmark::ConsoleReporter {
   void ReportRuns(const std::vector<Run>& runs) override {
     ConsoleReporter::ReportRuns(runs);
     for (const Run& r : runs) {
-      if (r.error_occurred || r.run_type != Run::RT_Iteration) continue;
-      const std::string name = r.benchmark_name();
+      // One iteration run, or the mean of repetitions (--benchmark_repetitions).
+      if (r.error_occurred) continue;
+      if (r.run_type == Run::RT_Aggregate && r.aggregate_name != "mean") continue;
+      const std::string name = r.run_name.str();
       auto bytes = r.counters.find("bytes_per_second");
       if (bytes != r.counters.end()) rates_[name] = bytes->second.value / 1e6;
       auto items = r.counters.find("items_per_second");
       if (items != r.counters.end()) objects_[name] = items->second.value;
+      auto entry = r.counters.find("ns_per_entry");
+      if (entry != r.counters.end()) perEntry_[name] = entry->second.value;
     }
   }
   void Finalize() override {
     ConsoleReporter::Finalize();
-    std::printf("\n%-22s %-15s %11s %11s %12s %12s %7s\n", "object", "operation", "ours MB/s",
-                "peer MB/s", "ours obj/s", "peer obj/s", "ratio");
+    std::printf("\n%-22s %-15s %11s %11s %12s %12s %7s %13s\n", "object", "operation", "ours MB/s",
+                "peer MB/s", "ours obj/s", "peer obj/s", "ratio", "ns/entry o/p");
     for (const auto& kv : rates_) {
       // Names are <operation>/<object>/<implementation>.
       const std::string& name = kv.first;
@@ -257,15 +262,23 @@ class TableReporter : public benchmark::ConsoleReporter {
       std::string peer = name.substr(0, b) + "/openssl";
       auto p = rates_.find(peer);
       if (p == rates_.end()) continue;
-      std::printf("%-22s %-15s %11.1f %11.1f %12.0f %12.0f %6.2fx\n",
+      std::string entries;
+      if (perEntry_.count(name) && perEntry_.count(peer)) {
+        char text[32];
+        std::snprintf(text, sizeof text, "%.0f/%.0f", perEntry_[name], perEntry_[peer]);
+        entries = text;
+      }
+      std::printf("%-22s %-15s %11.1f %11.1f %12.0f %12.0f %6.2fx %13s\n",
                   name.substr(a + 1, b - a - 1).c_str(), name.substr(0, a).c_str(), kv.second,
-                  p->second, objects_[name], objects_[peer], kv.second / p->second);
+                  p->second, objects_[name], objects_[peer], kv.second / p->second,
+                  entries.c_str());
     }
   }
 
  private:
   std::map<std::string, double> rates_;
   std::map<std::string, double> objects_;
+  std::map<std::string, double> perEntry_;
 };
 
 }  // namespace
@@ -275,23 +288,22 @@ int main(int argc, char** argv) {
   std::vector<std::unique_ptr<Case>> cases;
   auto add = [&](const char* name, const std::string& path, const TypeDesc* desc, Peer peer,
                  long entries) {
-    cases.push_back(std::unique_ptr<Case>(new Case{name, path, desc, peer, entries, ReadFile(path)}));
+    cases.push_back(
+        std::unique_ptr<Case>(new Case{name, path, desc, peer, entries, ReadFile(path)}));
   };
   const Peer x509 = MakePeer<X509, d2i_X509, i2d_X509, X509_free>();
   const Peer crl = MakePeer<X509_CRL, d2i_X509_CRL, i2d_X509_CRL, X509_CRL_free>();
   add("RSA certificate", data + "/pki/ee-rsa.der", &asn1data::asn1Desc_Certificate, x509, 0);
   add("EC certificate", data + "/pki/ee-ec.der", &asn1data::asn1Desc_Certificate, x509, 0);
-  add("CRL 1,000", data + "/crl/intermediate-ca-1000.crl", &asn1data::asn1Desc_CertificateList,
-      crl, 1000);
+  add("CRL 1,000", data + "/crl/intermediate-ca-1000.crl", &asn1data::asn1Desc_CertificateList, crl,
+      1000);
   add("CRL 100,000", LargeCrl(), &asn1data::asn1Desc_CertificateList, crl, 100000);
   add("CMS CAdES", data + "/cms/signed-attached.der", &asn1data::asn1Desc_ContentInfo,
-      MakePeer<CMS_ContentInfo, d2i_CMS_ContentInfo, i2d_CMS_ContentInfo,
-               CMS_ContentInfo_free>(),
+      MakePeer<CMS_ContentInfo, d2i_CMS_ContentInfo, i2d_CMS_ContentInfo, CMS_ContentInfo_free>(),
       0);
-  add("OCSP response", data + "/ocsp/resp-good.der", &asn1data::asn1Desc_OCSPResponse,
-      OcspPeer(), 0);
-  add("time-stamp token", data + "/tsp/token.der", &asn1data::asn1Desc_ContentInfo, TokenPeer(),
+  add("OCSP response", data + "/ocsp/resp-good.der", &asn1data::asn1Desc_OCSPResponse, OcspPeer(),
       0);
+  add("time-stamp token", data + "/tsp/token.der", &asn1data::asn1Desc_ContentInfo, TokenPeer(), 0);
 
   for (const auto& c : cases) {
     if (c->der.empty()) {

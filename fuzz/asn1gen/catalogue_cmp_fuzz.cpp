@@ -1,10 +1,10 @@
 // catalogue_cmp_fuzz.cpp: fuzz target of the catalogue modules of CMP, CRMF and DVCS:
 // the leading byte picks one of their types (the top-level ones first), the rest goes
 // through the round-trip oracle. The list was written out from the modules' headers.
+#include <korvex/asn1gen/Gost_Korvex_PKIXCMP.h>
 #include <korvex/asn1gen/PKIXCMP.h>
 #include <korvex/asn1gen/PKIXCRMF_2005.h>
 #include <korvex/asn1gen/PKIXDVCS.h>
-#include <korvex/asn1gen/Gost_Korvex_PKIXCMP.h>
 
 #include "roundtrip_oracle.h"
 

@@ -1,16 +1,17 @@
-// catalogue_cms_fuzz.cpp: fuzz target of the catalogue modules of CMS, S/MIME, ESS and the electronic-signature attributes:
-// the leading byte picks one of their types (the top-level ones first), the rest goes
-// through the round-trip oracle. The list was written out from the modules' headers.
+// catalogue_cms_fuzz.cpp: fuzz target of the catalogue modules of CMS, S/MIME, ESS and the
+// electronic-signature attributes: the leading byte picks one of their types (the top-level ones
+// first), the rest goes through the round-trip oracle. The list was written out from the modules'
+// headers.
+#include <korvex/asn1gen/CMSAesRsaesOaep.h>
+#include <korvex/asn1gen/CMSECCAlgs_2009_88.h>
+#include <korvex/asn1gen/CMS_AES_CCM_and_AES_GCM.h>
 #include <korvex/asn1gen/CryptographicMessageSyntax2004.h>
 #include <korvex/asn1gen/CryptographicMessageSyntaxAlgorithms.h>
-#include <korvex/asn1gen/CMSAesRsaesOaep.h>
-#include <korvex/asn1gen/CMS_AES_CCM_and_AES_GCM.h>
-#include <korvex/asn1gen/CMSECCAlgs_2009_88.h>
-#include <korvex/asn1gen/SecureMimeMessageV3dot1.h>
-#include <korvex/asn1gen/ExtendedSecurityServices_2006.h>
-#include <korvex/asn1gen/ExtendedSecurityServices.h>
 #include <korvex/asn1gen/ETS_ElectronicSignatureFormats_ExplicitSyntax88.h>
+#include <korvex/asn1gen/ExtendedSecurityServices.h>
+#include <korvex/asn1gen/ExtendedSecurityServices_2006.h>
 #include <korvex/asn1gen/PKCS_5.h>
+#include <korvex/asn1gen/SecureMimeMessageV3dot1.h>
 
 #include "roundtrip_oracle.h"
 

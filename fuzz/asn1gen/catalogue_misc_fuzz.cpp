@@ -1,10 +1,8 @@
-// catalogue_misc_fuzz.cpp: fuzz target of the catalogue modules of attribute certificates, PKCS #9/#10, GOST, qualified-certificate and key formats:
-// the leading byte picks one of their types (the top-level ones first), the rest goes
-// through the round-trip oracle. The list was written out from the modules' headers.
-#include <korvex/asn1gen/PKIXAttributeCertificate_2008.h>
+// catalogue_misc_fuzz.cpp: fuzz target of the catalogue modules of attribute certificates, PKCS
+// #9/#10, GOST, qualified-certificate and key formats: the leading byte picks one of their types
+// (the top-level ones first), the rest goes through the round-trip oracle. The list was written out
+// from the modules' headers.
 #include <korvex/asn1gen/AttributeCertificateVersion1.h>
-#include <korvex/asn1gen/PKCS_9.h>
-#include <korvex/asn1gen/PKCS_10.h>
 #include <korvex/asn1gen/Gost28147_89_EncryptionSyntax.h>
 #include <korvex/asn1gen/Gost28147_89_ParamSetSyntax.h>
 #include <korvex/asn1gen/GostR3410_2001_PKISyntax.h>
@@ -23,6 +21,9 @@
 #include <korvex/asn1gen/Korvex_KeyFormats.h>
 #include <korvex/asn1gen/Korvex_PCI_HSM.h>
 #include <korvex/asn1gen/Korvex_TR34.h>
+#include <korvex/asn1gen/PKCS_10.h>
+#include <korvex/asn1gen/PKCS_9.h>
+#include <korvex/asn1gen/PKIXAttributeCertificate_2008.h>
 
 #include "roundtrip_oracle.h"
 

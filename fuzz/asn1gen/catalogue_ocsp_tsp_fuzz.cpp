@@ -1,5 +1,5 @@
-// catalogue_ocsp_tsp_fuzz.cpp: fuzz target of the catalogue modules of OCSP and the time-stamp protocol:
-// the leading byte picks one of their types (the top-level ones first), the rest goes
+// catalogue_ocsp_tsp_fuzz.cpp: fuzz target of the catalogue modules of OCSP and the time-stamp
+// protocol: the leading byte picks one of their types (the top-level ones first), the rest goes
 // through the round-trip oracle. The list was written out from the modules' headers.
 #include <korvex/asn1gen/OCSP_2013_88.h>
 #include <korvex/asn1gen/PKIXTSP.h>

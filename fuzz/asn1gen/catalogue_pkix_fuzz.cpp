@@ -1,11 +1,12 @@
-// catalogue_pkix_fuzz.cpp: fuzz target of the catalogue modules of X.509 certificates, CRLs, names, extensions and algorithm parameters:
-// the leading byte picks one of their types (the top-level ones first), the rest goes
-// through the round-trip oracle. The list was written out from the modules' headers.
+// catalogue_pkix_fuzz.cpp: fuzz target of the catalogue modules of X.509 certificates, CRLs, names,
+// extensions and algorithm parameters: the leading byte picks one of their types (the top-level
+// ones first), the rest goes through the round-trip oracle. The list was written out from the
+// modules' headers.
+#include <korvex/asn1gen/AuthenticationFramework.h>
+#include <korvex/asn1gen/CertificateExtensions.h>
+#include <korvex/asn1gen/PKIX1Algorithms88.h>
 #include <korvex/asn1gen/PKIX1Explicit88.h>
 #include <korvex/asn1gen/PKIX1Implicit88.h>
-#include <korvex/asn1gen/CertificateExtensions.h>
-#include <korvex/asn1gen/AuthenticationFramework.h>
-#include <korvex/asn1gen/PKIX1Algorithms88.h>
 #include <korvex/asn1gen/PKIX1_PSS_OAEP_Algorithms.h>
 
 #include "roundtrip_oracle.h"

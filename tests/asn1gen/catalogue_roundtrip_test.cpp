@@ -5,9 +5,9 @@
 // table-constrained open types of each decoded value hold their typed values;
 // the corpus's broken files fail as each is expected to.
 #include <gtest/gtest.h>
+#include <korvex/asn1gen/AttributeCertificateVersion1.h>
 #include <korvex/asn1gen/CryptographicMessageSyntax2004.h>
 #include <korvex/asn1gen/ETS_ElectronicSignaturePolicies_88syntax.h>
-#include <korvex/asn1gen/AttributeCertificateVersion1.h>
 #include <korvex/asn1gen/OCSP_2013_88.h>
 #include <korvex/asn1gen/PKCS_10.h>
 #include <korvex/asn1gen/PKIX1Explicit88.h>
@@ -40,9 +40,9 @@ bool StartsWith(const std::string& s, const char* prefix) { return s.rfind(prefi
 
 std::string Describe(const Outcome& o) {
   std::string s = "status " + std::to_string(o.status) + ", consumed " +
-                  std::to_string(o.consumed) + ", exact " + (o.exact ? "yes" : "no") +
-                  ", typed " + std::to_string(o.typed) + ", raw " + std::to_string(o.untyped) +
-                  ", unfit " + std::to_string(o.unfit);
+                  std::to_string(o.consumed) + ", exact " + (o.exact ? "yes" : "no") + ", typed " +
+                  std::to_string(o.typed) + ", raw " + std::to_string(o.untyped) + ", unfit " +
+                  std::to_string(o.unfit);
   if (!o.broken.empty()) s += ", broken: " + o.broken;
   return s;
 }
@@ -150,8 +150,8 @@ enum class Expect {
 
 struct CorpusCase {
   Expect expect;
-  int status;      // kFails: the decode status
-  size_t unfit;    // values left raw because they are not of their object's type
+  int status;    // kFails: the decode status
+  size_t unfit;  // values left raw because they are not of their object's type
   const char* why;
 };
 
@@ -190,8 +190,7 @@ const std::map<std::string, CorpusCase>& CorpusExceptions() {
        {Expect::kNotDer, 0, 0,
         "its TSTInfo's extension carries critical FALSE, which DER leaves out (X.690 11.5)"}},
       {"esig-dss/Signature-C-DE_CRY-3.p7m",
-       {Expect::kAsIndexed, 0, 1,
-        "the signature time-stamp token is wrapped in an OCTET STRING"}},
+       {Expect::kAsIndexed, 0, 1, "the signature time-stamp token is wrapped in an OCTET STRING"}},
       {"esig-dss/Signature-C-DE_CRY-4.p7m",
        {Expect::kAsIndexed, 0, 2,
         "revocationValues holds OCSPResponses where BasicOCSPResponses belong; the time-stamp "
@@ -253,12 +252,12 @@ TEST(CatalogueRoundTrip, EveryCorpusFileByItsIndex) {
     Outcome o = Korvex::Test::RoundTrip(desc, in);
     if (std::getenv("KORVEX_CATALOGUE_VERBOSE")) {
       size_t n = o.consumed ? o.consumed : in.size();
-      std::printf("%-70s %s, structurally DER %s, reordered %s\n", e.path.c_str(),
-                  Describe(o).c_str(), Korvex::Test::StructurallyDer(in.data(), n) ? "yes" : "no",
-                  Korvex::Test::SameUpToOrder(Bytes(in.begin(), in.begin() + static_cast<long>(n)),
-                                              o.der)
-                      ? "yes"
-                      : "no");
+      std::printf(
+          "%-70s %s, structurally DER %s, reordered %s\n", e.path.c_str(), Describe(o).c_str(),
+          Korvex::Test::StructurallyDer(in.data(), n) ? "yes" : "no",
+          Korvex::Test::SameUpToOrder(Bytes(in.begin(), in.begin() + static_cast<long>(n)), o.der)
+              ? "yes"
+              : "no");
     }
     EXPECT_EQ(o.broken, "") << Describe(o);
     EXPECT_EQ(o.unfit, c.unfit) << Describe(o);

@@ -221,7 +221,8 @@ class TypedWalk {
     }
     ASN1UINT count = Load<ASN1UINT>(v, list->off1);
     const unsigned char* elems = Load<const unsigned char*>(v, list->off2);
-    for (ASN1UINT i = 0; elems && i < count; ++i) fn(elems + static_cast<size_t>(i) * list->inner->size);
+    for (ASN1UINT i = 0; elems && i < count; ++i)
+      fn(elems + static_cast<size_t>(i) * list->inner->size);
   }
 
   void Table(const TypeDesc* d, const void* rec, const MemberDesc& m, const void* field,
@@ -345,13 +346,13 @@ bool StructurallyDer(const unsigned char* p, size_t n) {
       const unsigned char* c = f.p + i;
       bool constructed = (id & 0x20) != 0;
       // Universal strings (and BIT/OCTET STRING) are primitive in DER (X.690 10.2).
-      if (constructed && (id == 0x23 || id == 0x24 || (id >= 0x2C && id <= 0x3E &&
-                                                       id != 0x30 && id != 0x31))) {
+      if (constructed &&
+          (id == 0x23 || id == 0x24 || (id >= 0x2C && id <= 0x3E && id != 0x30 && id != 0x31))) {
         return false;
       }
       if ((id == 0x02 || id == 0x0A) &&
-          (len == 0 || (len > 1 && ((c[0] == 0 && !(c[1] & 0x80)) ||
-                                    (c[0] == 0xFF && (c[1] & 0x80)))))) {
+          (len == 0 ||
+           (len > 1 && ((c[0] == 0 && !(c[1] & 0x80)) || (c[0] == 0xFF && (c[1] & 0x80)))))) {
         return false;
       }
       if (id == 0x01 && (len != 1 || (c[0] != 0 && c[0] != 0xFF))) return false;
@@ -394,8 +395,7 @@ bool Split(const unsigned char* p, size_t n, std::vector<Tlv>* out) {
   return true;
 }
 
-bool SameElements(const unsigned char* a, size_t an, const unsigned char* b, size_t bn,
-                  int depth) {
+bool SameElements(const unsigned char* a, size_t an, const unsigned char* b, size_t bn, int depth) {
   if (an == bn && std::memcmp(a, b, an) == 0) return true;
   if (depth > 64) return false;
   std::vector<Tlv> x, y;

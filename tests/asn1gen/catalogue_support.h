@@ -72,14 +72,14 @@ Bytes LoadEntry(const std::string& corpusDir, const IndexEntry& entry);
 //     holds its typed value, unless its bytes are not a value of that type;
 //   - freeing the values gives back every heap block that decode and copy took.
 struct Outcome {
-  int status = 0;        // of the decode
-  size_t consumed = 0;   // octets of input the first element took
-  Bytes der;             // our encoding
-  bool exact = false;    // der equals the consumed input
-  size_t typed = 0;      // typed values of table-constrained open types
-  size_t untyped = 0;    // open types left raw (no object for their key)
-  size_t unfit = 0;      // open types left raw (not a value of their object's type)
-  std::string broken;    // the first invariant that failed, empty if none
+  int status = 0;       // of the decode
+  size_t consumed = 0;  // octets of input the first element took
+  Bytes der;            // our encoding
+  bool exact = false;   // der equals the consumed input
+  size_t typed = 0;     // typed values of table-constrained open types
+  size_t untyped = 0;   // open types left raw (no object for their key)
+  size_t unfit = 0;     // open types left raw (not a value of their object's type)
+  std::string broken;   // the first invariant that failed, empty if none
 };
 Outcome RoundTrip(const Asn1Engine::TypeDesc* desc, const Bytes& input);
 

@@ -53,8 +53,7 @@ struct Decoded {
   ~Decoded() { freeFn(codec.ctxt(), &rec); }
 };
 
-#define DECODE(Type, var, file) \
-  Decoded<ASN1T_##Type> var(file, &asn1D_##Type, &asn1Free_##Type)
+#define DECODE(Type, var, file) Decoded<ASN1T_##Type> var(file, &asn1D_##Type, &asn1Free_##Type)
 
 // The typed value of a table-constrained open type, or null.
 template <typename T>
@@ -140,15 +139,12 @@ TEST(CatalogueTyped, CertificateExtensionsAndNames) {
       As<ASN1T_GeneralNames>(FindExtension(exts, id_ce_subjectAltName)->extnValue);
   ASSERT_NE(san, nullptr);
   ASSERT_EQ(san->n, 9u);
-  const ASN1UINT kinds[] = {ASN1T_GeneralName::T_dNSName,
-                            ASN1T_GeneralName::T_dNSName,
-                            ASN1T_GeneralName::T_rfc822Name,
-                            ASN1T_GeneralName::T_uniformResourceIdentifier,
-                            ASN1T_GeneralName::T_iPAddress,
-                            ASN1T_GeneralName::T_iPAddress,
-                            ASN1T_GeneralName::T_directoryName,
-                            ASN1T_GeneralName::T_registeredID,
-                            ASN1T_GeneralName::T_otherName};
+  const ASN1UINT kinds[] = {
+      ASN1T_GeneralName::T_dNSName,       ASN1T_GeneralName::T_dNSName,
+      ASN1T_GeneralName::T_rfc822Name,    ASN1T_GeneralName::T_uniformResourceIdentifier,
+      ASN1T_GeneralName::T_iPAddress,     ASN1T_GeneralName::T_iPAddress,
+      ASN1T_GeneralName::T_directoryName, ASN1T_GeneralName::T_registeredID,
+      ASN1T_GeneralName::T_otherName};
   for (ASN1UINT i = 0; i < san->n; ++i) EXPECT_EQ(san->elem[i].t, kinds[i]) << i;
   EXPECT_STREQ(san->elem[1].u.dNSName, "*.signer.korvex.example");
   EXPECT_STREQ(san->elem[2].u.rfc822Name, "signer@korvex.example");
@@ -249,8 +245,8 @@ TEST(CatalogueTyped, EcAndGostKeysAndQualifiedAttributes) {
     EXPECT_STREQ(*As<const char*>(*v), q.text);
   }
 
-  const ASN1T_IssuerSignTool* tool =
-      As<ASN1T_IssuerSignTool>(FindExtension(tbs.extensions, id_issuerSignTool_extension)->extnValue);
+  const ASN1T_IssuerSignTool* tool = As<ASN1T_IssuerSignTool>(
+      FindExtension(tbs.extensions, id_issuerSignTool_extension)->extnValue);
   ASSERT_NE(tool, nullptr);
   EXPECT_STREQ(tool->signTool, "СКЗИ «Корвекс-CSP» версия 1.0");
   EXPECT_STREQ(tool->cAToolCert, "Сертификат соответствия № СФ/128-0002 от 01.01.2024");
@@ -297,7 +293,8 @@ TEST(CatalogueTyped, SignedAttributesAndTimeStampToken) {
       As<ASN1T_MessageDigest>(*FirstValue(si.signedAttrs, id_messageDigest));
   ASSERT_NE(digest, nullptr);
   EXPECT_EQ(digest->numocts, 32u);
-  const ASN1T_SigningTime* when = As<ASN1T_SigningTime>(*FirstValue(si.signedAttrs, id_signingTime));
+  const ASN1T_SigningTime* when =
+      As<ASN1T_SigningTime>(*FirstValue(si.signedAttrs, id_signingTime));
   ASSERT_NE(when, nullptr);
   EXPECT_EQ(when->t, ASN1T_Time::T_utcTime);
   const ASN1T_SigningCertificateV2* scv2 =
@@ -310,6 +307,18 @@ TEST(CatalogueTyped, SignedAttributesAndTimeStampToken) {
   EXPECT_EQ(id.certHash.numocts, 32u);
   ASSERT_EQ(id.m.issuerSerialPresent, 1u);
   EXPECT_STREQ(id.issuerSerial.serialNumber, "0xc0ffee");
+
+  // The streamed form: indefinite lengths throughout and the content in a
+  // constructed OCTET STRING (X.690 8.7.3) come back as the same values.
+  DECODE(ContentInfo, streamed, "cms/signed-indefinite.ber");
+  ASSERT_EQ(streamed.status, 0);
+  const ASN1T_SignedData* ssd = As<ASN1T_SignedData>(streamed.rec.content);
+  ASSERT_NE(ssd, nullptr);
+  EXPECT_EQ(std::string(reinterpret_cast<const char*>(ssd->encapContentInfo.eContent.data),
+                        ssd->encapContentInfo.eContent.numocts),
+            "Korvex CAdES test content.\n");
+  ASSERT_EQ(ssd->signerInfos.n, 1u);
+  EXPECT_EQ(ssd->signerInfos.elem[0].signedAttrs.n, 5u);
 
   DECODE(ContentInfo, token, "tsp/token.der");
   ASSERT_EQ(token.status, 0);
@@ -342,7 +351,8 @@ TEST(CatalogueTyped, OcspAndCrlValues) {
   DECODE(OCSPResponse, resp, "ocsp/resp-revoked.der");
   ASSERT_EQ(resp.status, 0);
   EXPECT_TRUE(rtCmpOID(&resp.rec.responseBytes.responseType, &id_pkix_ocsp_basic));
-  const ASN1T_BasicOCSPResponse* basic = As<ASN1T_BasicOCSPResponse>(resp.rec.responseBytes.response);
+  const ASN1T_BasicOCSPResponse* basic =
+      As<ASN1T_BasicOCSPResponse>(resp.rec.responseBytes.response);
   ASSERT_NE(basic, nullptr);
   ASSERT_EQ(basic->tbsResponseData.responses.n, 1u);
   const ASN1T_SingleResponse& single = basic->tbsResponseData.responses.elem[0];

@@ -5,7 +5,7 @@
 // the object set that constrains its open types; each object identifier with
 // its published value (our own arc with the values docs/catalogue.md fixes).
 //
-// The lists were written out once from the catalogue's documentation; a
+// The lists were written out once from the names the library publishes; a
 // missing name is a compile error here, a wrong value a test failure.
 #include <gtest/gtest.h>
 #include <korvex/asn1gen/AttributeCertificateVersion1.h>

@@ -14,15 +14,15 @@ ToolError BadOption(std::string_view command, const std::string& what) {
   return UsageError(cmd + ": " + what + " (try 'adestool " + cmd + " --help')");
 }
 
-const OptionSpec* FindLong(const std::vector<OptionSpec>& specs, std::string_view name) {
-  for (const OptionSpec& s : specs) {
+const OptionSpec* FindLong(const std::vector<OptionSpec>& optionList, std::string_view name) {
+  for (const OptionSpec& s : optionList) {
     if (s.name == name) return &s;
   }
   return nullptr;
 }
 
-const OptionSpec* FindShort(const std::vector<OptionSpec>& specs, char c) {
-  for (const OptionSpec& s : specs) {
+const OptionSpec* FindShort(const std::vector<OptionSpec>& optionList, char c) {
+  for (const OptionSpec& s : optionList) {
     if (s.shortName != 0 && s.shortName == c) return &s;
   }
   return nullptr;
@@ -43,7 +43,7 @@ const std::vector<std::string>& ParsedArgs::Values(std::string_view name) const 
   return it == options_.end() ? kNoValues : it->second;
 }
 
-ParsedArgs ParseArgs(const std::vector<std::string>& args, const std::vector<OptionSpec>& specs,
+ParsedArgs ParseArgs(const std::vector<std::string>& args, const std::vector<OptionSpec>& optionList,
                      std::string_view command) {
   ParsedArgs parsed;
   // Help wins over everything else on the line, errors included.
@@ -54,9 +54,9 @@ ParsedArgs ParseArgs(const std::vector<std::string>& args, const std::vector<Opt
       return parsed;
     }
   }
-  auto record = [&](const OptionSpec& spec, const std::string& shown, std::string value) {
-    std::vector<std::string>& values = parsed.options_[std::string(spec.name)];
-    if (!values.empty() && !spec.repeatable) {
+  auto record = [&](const OptionSpec& option, const std::string& shown, std::string value) {
+    std::vector<std::string>& values = parsed.options_[std::string(option.name)];
+    if (!values.empty() && !option.repeatable) {
       throw BadOption(command, "option '" + shown + "' given more than once");
     }
     values.push_back(std::move(value));
@@ -76,55 +76,55 @@ ParsedArgs ParseArgs(const std::vector<std::string>& args, const std::vector<Opt
       // --name, --name=value, --name value
       size_t eq = arg.find('=');
       std::string name = arg.substr(2, eq == std::string::npos ? std::string::npos : eq - 2);
-      const OptionSpec* spec = FindLong(specs, name);
+      const OptionSpec* option = FindLong(optionList, name);
       std::string shown = "--" + name;
-      if (!spec) throw BadOption(command, "unknown option '" + shown + "'");
-      if (!spec->takesValue) {
+      if (!option) throw BadOption(command, "unknown option '" + shown + "'");
+      if (!option->takesValue) {
         if (eq != std::string::npos) {
           throw BadOption(command, "option '" + shown + "' takes no value");
         }
-        record(*spec, shown, std::string());
+        record(*option, shown, std::string());
       } else if (eq != std::string::npos) {
-        record(*spec, shown, arg.substr(eq + 1));
+        record(*option, shown, arg.substr(eq + 1));
       } else {
         if (i + 1 >= args.size()) {
           throw BadOption(command, "option '" + shown + "' needs a value (" +
-                                       std::string(spec->valueName) + ")");
+                                       std::string(option->valueName) + ")");
         }
-        record(*spec, shown, args[++i]);
+        record(*option, shown, args[++i]);
       }
       continue;
     }
     // -x, -xVALUE, -x VALUE
-    const OptionSpec* spec = FindShort(specs, arg[1]);
+    const OptionSpec* option = FindShort(optionList, arg[1]);
     std::string shown = arg.substr(0, 2);
-    if (!spec) throw BadOption(command, "unknown option '" + arg + "'");
-    if (!spec->takesValue) {
+    if (!option) throw BadOption(command, "unknown option '" + arg + "'");
+    if (!option->takesValue) {
       if (arg.size() > 2) throw BadOption(command, "unknown option '" + arg + "'");
-      record(*spec, shown, std::string());
+      record(*option, shown, std::string());
     } else if (arg.size() > 2) {
-      record(*spec, shown, arg.substr(2));
+      record(*option, shown, arg.substr(2));
     } else {
       if (i + 1 >= args.size()) {
         throw BadOption(
-            command, "option '" + shown + "' needs a value (" + std::string(spec->valueName) + ")");
+            command, "option '" + shown + "' needs a value (" + std::string(option->valueName) + ")");
       }
-      record(*spec, shown, args[++i]);
+      record(*option, shown, args[++i]);
     }
   }
   return parsed;
 }
 
-std::string OptionUsage(const OptionSpec& spec) {
+std::string OptionUsage(const OptionSpec& option) {
   std::string text;
-  if (spec.shortName != 0) {
+  if (option.shortName != 0) {
     text += '-';
-    text += spec.shortName;
-    if (spec.takesValue) text += " " + std::string(spec.valueName);
+    text += option.shortName;
+    if (option.takesValue) text += " " + std::string(option.valueName);
     text += ", ";
   }
-  text += "--" + std::string(spec.name);
-  if (spec.takesValue) text += " " + std::string(spec.valueName);
+  text += "--" + std::string(option.name);
+  if (option.takesValue) text += " " + std::string(option.valueName);
   return text;
 }
 

@@ -49,14 +49,14 @@ class ParsedArgs {
 };
 
 // ParseArgs parses args (the arguments after the subcommand name) against
-// specs. A flag is recorded with one empty value per occurrence. Throws
+// optionList. A flag is recorded with one empty value per occurrence. Throws
 // ToolError (status 2) naming command for an unknown option, a missing or
 // unexpected value, or a non-repeatable option given twice.
-ParsedArgs ParseArgs(const std::vector<std::string>& args, const std::vector<OptionSpec>& specs,
+ParsedArgs ParseArgs(const std::vector<std::string>& args, const std::vector<OptionSpec>& optionList,
                      std::string_view command);
 
 // OptionUsage: "--output FILE, -o FILE" style text of one option for help.
-std::string OptionUsage(const OptionSpec& spec);
+std::string OptionUsage(const OptionSpec& option);
 
 }  // namespace adestool
 

@@ -92,10 +92,10 @@ int Run(const std::vector<std::string>& args) {
     throw UsageError("unknown option '" + first + "' (try 'adestool --help')");
   }
   const Command& command = RequireCommand(first);
-  std::vector<OptionSpec> specs = command.options;
-  specs.insert(specs.end(), CommonOptions().begin(), CommonOptions().end());
+  std::vector<OptionSpec> optionList = command.options;
+  optionList.insert(optionList.end(), CommonOptions().begin(), CommonOptions().end());
   ParsedArgs parsed =
-      ParseArgs(std::vector<std::string>(args.begin() + 1, args.end()), specs, command.name);
+      ParseArgs(std::vector<std::string>(args.begin() + 1, args.end()), optionList, command.name);
   if (parsed.helpRequested()) {
     Print(CommandHelp(command));
     return kExitOk;

@@ -1,7 +1,10 @@
 // Public-key objects made from a certificate's SubjectPublicKeyInfo.
 #include <openssl/err.h>
 #include <openssl/objects.h>
+#include <openssl/rsa.h>
 #include <openssl/x509.h>
+
+#include <algorithm>
 
 #include "capi_internal.h"
 
@@ -64,6 +67,43 @@ PkeyPtr ReadKey(const CERT_PUBLIC_KEY_INFO& info) {
   return key;
 }
 
+// VerifyDigest names the OpenSSL digest of a hash ALG_ID for signature
+// checks: the digest's OID goes into the RSA DigestInfo (RFC 8017 9.2).
+const EVP_MD* VerifyDigest(ALG_ID algorithm) {
+  switch (algorithm) {
+    case CALG_MD5:
+      return EVP_md5();
+    case CALG_SHA1:
+      return EVP_sha1();
+    case CALG_SHA_256:
+      return EVP_sha256();
+    case CALG_SHA_384:
+      return EVP_sha384();
+    case CALG_SHA_512:
+      return EVP_sha512();
+    default:
+      return nullptr;
+  }
+}
+
+struct PkeyCtxFree {
+  void operator()(EVP_PKEY_CTX* c) const { EVP_PKEY_CTX_free(c); }
+};
+
+// VerifyWithKey checks signature over digest; true only when it verifies.
+bool VerifyWithKey(EVP_PKEY* pkey, const EVP_MD* md, const std::vector<BYTE>& digest,
+                   const std::vector<BYTE>& signature) {
+  std::unique_ptr<EVP_PKEY_CTX, PkeyCtxFree> ctx(EVP_PKEY_CTX_new(pkey, nullptr));
+  if (!ctx || EVP_PKEY_verify_init(ctx.get()) != 1) return false;
+  if (EVP_PKEY_get_base_id(pkey) == EVP_PKEY_RSA &&
+      EVP_PKEY_CTX_set_rsa_padding(ctx.get(), RSA_PKCS1_PADDING) != 1) {
+    return false;
+  }
+  if (EVP_PKEY_CTX_set_signature_md(ctx.get(), md) != 1) return false;
+  return EVP_PKEY_verify(ctx.get(), signature.data(), signature.size(), digest.data(),
+                         digest.size()) == 1;
+}
+
 }  // namespace
 }  // namespace korvex::capi
 
@@ -124,4 +164,33 @@ extern "C" BOOL CryptGetKeyParam(HCRYPTKEY hKey, DWORD dwParam, BYTE* pbData, DW
 extern "C" BOOL CryptDestroyKey(HCRYPTKEY hKey) {
   if (!Keys().Remove(reinterpret_cast<const void*>(hKey))) return Fail(NTE_BAD_KEY);
   return TRUE;
+}
+
+extern "C" BOOL CryptVerifySignatureA(HCRYPTHASH hHash, const BYTE* pbSignature, DWORD dwSigLen,
+                                      HCRYPTKEY hPubKey, LPCSTR szDescription, DWORD dwFlags) {
+  (void)szDescription;  // ignored, as Windows has done since NT 4
+  std::shared_ptr<Key> key = Keys().Find(hPubKey);
+  if (!key) return Fail(NTE_BAD_KEY);
+  if (dwFlags != 0) return Fail(NTE_BAD_FLAGS);
+  if (pbSignature == nullptr && dwSigLen != 0) return FailWin32(ERROR_INVALID_PARAMETER);
+  ALG_ID algorithm = 0;
+  DWORD size = sizeof algorithm;
+  if (!CryptGetHashParam(hHash, HP_ALGID, reinterpret_cast<BYTE*>(&algorithm), &size, 0)) {
+    return FALSE;  // the hash's own error (NTE_BAD_HASH)
+  }
+  size = 0;
+  if (!CryptGetHashParam(hHash, HP_HASHVAL, nullptr, &size, 0)) return FALSE;
+  std::vector<BYTE> digest(size);
+  if (!CryptGetHashParam(hHash, HP_HASHVAL, digest.data(), &size, 0)) return FALSE;
+  digest.resize(size);
+  if (!key->pkey) return Fail(NTE_BAD_KEY);
+  const EVP_MD* md = VerifyDigest(algorithm);
+  int type = EVP_PKEY_get_base_id(key->pkey.get());
+  if (md == nullptr || (type != EVP_PKEY_RSA && type != EVP_PKEY_EC)) return Fail(NTE_BAD_ALGID);
+  std::vector<BYTE> signature(pbSignature, pbSignature + dwSigLen);
+  // CryptoAPI keeps RSA signatures least significant byte first.
+  if (type == EVP_PKEY_RSA) std::reverse(signature.begin(), signature.end());
+  bool ok = VerifyWithKey(key->pkey.get(), md, digest, signature);
+  ERR_clear_error();
+  return ok ? TRUE : Fail(NTE_BAD_SIGNATURE);
 }

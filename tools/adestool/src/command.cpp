@@ -6,7 +6,8 @@
 namespace adestool {
 
 const std::vector<Command>& Commands() {
-  static const std::vector<Command> commands = {kDumpCommand};
+  static const std::vector<Command> commands = {kDumpCommand,    kInspectCommand, kRefsCommand,
+                                                kValuesCommand,  kImprintCommand, kExtendCommand};
   return commands;
 }
 

@@ -59,6 +59,11 @@ void ExpectPositionals(const Command& command, const ParsedArgs& args, size_t co
 
 // The command entries, defined beside each command's code.
 extern const Command kDumpCommand;
+extern const Command kInspectCommand;
+extern const Command kRefsCommand;
+extern const Command kValuesCommand;
+extern const Command kImprintCommand;
+extern const Command kExtendCommand;
 
 }  // namespace adestool
 

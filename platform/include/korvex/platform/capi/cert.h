@@ -157,6 +157,22 @@ KORVEX_API BOOL CryptGetKeyParam(HCRYPTKEY hKey, DWORD dwParam, BYTE* pbData,
 // CryptDestroyKey frees a key object. Error: NTE_BAD_KEY for an unknown handle.
 KORVEX_API BOOL CryptDestroyKey(HCRYPTKEY hKey);
 
+// CryptVerifySignatureA checks that pbSignature is hPubKey's signature of
+// the value of hHash (which it finishes, as reading HP_HASHVAL does). RSA
+// keys take a PKCS #1 v1.5 signature (RFC 8017 8.2) over a DigestInfo with
+// the hash's OID, least significant byte first as on Windows (reverse the
+// bytes of an RSA signature from CMS or X.509). EC keys take the DER
+// ECDSA-Sig-Value of X9.62 / RFC 5480 as CMS and X.509 carry it (the Windows
+// function has no ECDSA). szDescription is ignored; dwFlags must be 0.
+// Errors: NTE_BAD_KEY (unknown key, or a GOST key the OpenSSL in use cannot
+// read), NTE_BAD_HASH (unknown hash), NTE_BAD_FLAGS, NTE_BAD_ALGID (a hash
+// or key algorithm this check does not handle), ERROR_INVALID_PARAMETER
+// (null signature with a length), NTE_BAD_SIGNATURE (the signature does
+// not verify).
+KORVEX_API BOOL CryptVerifySignatureA(HCRYPTHASH hHash, const BYTE* pbSignature, DWORD dwSigLen,
+                                      HCRYPTKEY hPubKey, LPCSTR szDescription, DWORD dwFlags);
+#define CryptVerifySignature CryptVerifySignatureA
+
 KORVEX_END_C
 
 #endif

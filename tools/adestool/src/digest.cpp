@@ -1,0 +1,114 @@
+// digest.cpp: hashing through the CryptoAPI of the platform.
+#include "digest.h"
+
+#include <korvex/platform/capi/wincrypt.h>
+
+#include <algorithm>
+
+#include "tool_error.h"
+
+namespace adestool {
+
+namespace {
+
+// Releases the provider and hash handles on every path.
+class HashHandles {
+ public:
+  ~HashHandles() {
+    if (hash) CryptDestroyHash(hash);
+    if (prov) CryptReleaseContext(prov, 0);
+  }
+  HCRYPTPROV prov = 0;
+  HCRYPTHASH hash = 0;
+};
+
+}  // namespace
+
+const std::vector<HashAlgorithm>& HashAlgorithms() {
+  static const std::vector<HashAlgorithm> algorithms = {
+      {"sha1", "1.3.14.3.2.26", CALG_SHA1},
+      {"sha256", "2.16.840.1.101.3.4.2.1", CALG_SHA_256},
+      {"sha384", "2.16.840.1.101.3.4.2.2", CALG_SHA_384},
+      {"sha512", "2.16.840.1.101.3.4.2.3", CALG_SHA_512},
+      {"gost94", "1.2.643.2.2.9", CALG_KORVEX_GR3411_94},
+      {"gost2012-256", "1.2.643.7.1.1.2.2", CALG_KORVEX_GR3411_2012_256},
+      {"gost2012-512", "1.2.643.7.1.1.2.3", CALG_KORVEX_GR3411_2012_512},
+  };
+  return algorithms;
+}
+
+std::string HashNames() {
+  std::string text;
+  for (const HashAlgorithm& a : HashAlgorithms()) {
+    if (!text.empty()) text += ", ";
+    text += a.name;
+  }
+  return text;
+}
+
+const HashAlgorithm* FindHashByName(std::string_view name) {
+  for (const HashAlgorithm& a : HashAlgorithms()) {
+    if (a.name == name) return &a;
+  }
+  return nullptr;
+}
+
+const HashAlgorithm* FindHashByOid(std::string_view oid) {
+  for (const HashAlgorithm& a : HashAlgorithms()) {
+    if (a.oid == oid) return &a;
+  }
+  return nullptr;
+}
+
+const HashAlgorithm& SelectHash(const std::string* name, std::string_view command) {
+  if (!name) return *FindHashByName("sha256");
+  const HashAlgorithm* a = FindHashByName(*name);
+  if (!a) {
+    throw UsageError(std::string(command) + ": unknown hash '" + *name + "' (one of " +
+                     HashNames() + ")");
+  }
+  return *a;
+}
+
+std::vector<uint8_t> Digest(const HashAlgorithm& algorithm, const std::vector<uint8_t>& data) {
+  HashHandles h;
+  if (!CryptAcquireContextA(&h.prov, nullptr, nullptr, PROV_RSA_AES, CRYPT_VERIFYCONTEXT)) {
+    throw UsageError("cannot open the platform's cryptographic provider");
+  }
+  if (!CryptCreateHash(h.prov, algorithm.algId, 0, 0, &h.hash)) {
+    throw UsageError("hash " + std::string(algorithm.name) + " is not available here");
+  }
+  // CryptHashData takes 32-bit lengths; inputs are at most 256 MiB, but feed
+  // in pieces all the same.
+  size_t done = 0;
+  while (done < data.size()) {
+    const DWORD piece = static_cast<DWORD>(std::min<size_t>(data.size() - done, 1u << 30));
+    if (!CryptHashData(h.hash, data.data() + done, piece, 0)) {
+      throw UsageError("hashing with " + std::string(algorithm.name) + " failed");
+    }
+    done += piece;
+  }
+  DWORD size = 0;
+  if (!CryptGetHashParam(h.hash, HP_HASHVAL, nullptr, &size, 0)) {
+    throw UsageError("hashing with " + std::string(algorithm.name) + " failed");
+  }
+  std::vector<uint8_t> value(size);
+  if (!CryptGetHashParam(h.hash, HP_HASHVAL, value.data(), &size, 0)) {
+    throw UsageError("hashing with " + std::string(algorithm.name) + " failed");
+  }
+  value.resize(size);
+  return value;
+}
+
+std::string HexLower(const std::vector<uint8_t>& bytes) {
+  static const char kDigits[] = "0123456789abcdef";
+  std::string text;
+  text.reserve(bytes.size() * 2);
+  for (uint8_t b : bytes) {
+    text += kDigits[b >> 4];
+    text += kDigits[b & 15];
+  }
+  return text;
+}
+
+}  // namespace adestool

@@ -33,23 +33,36 @@ void GetIssuerSerial(Record const& rec, Value& value) {
   value.put_issuerSerial(&issuerSerial);
 }
 
+// IssuerSerial and CertId: the same two fields, issuer and serialNumber,
+// the issuer a GeneralNames in one and a GeneralName in the other. get reads
+// both before it changes the value.
+template <class IssuerTraits, class Record, class Value>
+void SetIssuerAndSerial(ASN1CTXT* ctxt, Record& rec, Value const& value) {
+  if (!ctxt) throwInvalidArgument();
+  IssuerTraits::set(ctxt, rec.issuer, value.get_issuer());
+  ASN1BigInteger_traits::set(ctxt, rec.serialNumber, value.get_serialNumber());
+}
+
+template <class IssuerTraits, class Issuer, class Record, class Value>
+void GetIssuerAndSerial(Record const& rec, Value& value) {
+  Issuer issuer;
+  IssuerTraits::get(rec.issuer, issuer);
+  CBigInteger serialNumber;
+  ASN1BigInteger_traits::get(rec.serialNumber, serialNumber);
+  value.put_issuer(issuer);
+  value.put_serialNumber(serialNumber);
+}
+
 }  // namespace
 
 // ---- IssuerSerial ------------------------------------------------------------------
 
 void ASN1T_IssuerSerial_traits::set(ASN1CTXT* ctxt, ASN1_T& rec, CIssuerSerial const& value) {
-  if (!ctxt) throwInvalidArgument();
-  ASN1T_GeneralNames_traits::set(ctxt, rec.issuer, value.get_issuer());
-  ASN1BigInteger_traits::set(ctxt, rec.serialNumber, value.get_serialNumber());
+  SetIssuerAndSerial<ASN1T_GeneralNames_traits>(ctxt, rec, value);
 }
 
 void ASN1T_IssuerSerial_traits::get(ASN1_T const& rec, CIssuerSerial& value) {
-  CGeneralNames issuer;
-  ASN1T_GeneralNames_traits::get(rec.issuer, issuer);
-  CBigInteger serialNumber;
-  ASN1BigInteger_traits::get(rec.serialNumber, serialNumber);
-  value.put_issuer(issuer);
-  value.put_serialNumber(serialNumber);
+  GetIssuerAndSerial<ASN1T_GeneralNames_traits, CGeneralNames>(rec, value);
 }
 
 // ---- ESSCertID ---------------------------------------------------------------------
@@ -112,18 +125,11 @@ void ASN1T_OtherCertID_traits::get(ASN1_T const& rec, COtherCertID& value) {
 // ---- CertId ------------------------------------------------------------------------
 
 void ASN1T_CertId_traits::set(ASN1CTXT* ctxt, ASN1_T& rec, CCertId const& value) {
-  if (!ctxt) throwInvalidArgument();
-  ASN1T_GeneralName_traits::set(ctxt, rec.issuer, value.get_issuer());
-  ASN1BigInteger_traits::set(ctxt, rec.serialNumber, value.get_serialNumber());
+  SetIssuerAndSerial<ASN1T_GeneralName_traits>(ctxt, rec, value);
 }
 
 void ASN1T_CertId_traits::get(ASN1_T const& rec, CCertId& value) {
-  CGeneralName issuer;
-  ASN1T_GeneralName_traits::get(rec.issuer, issuer);
-  CBigInteger serialNumber;
-  ASN1BigInteger_traits::get(rec.serialNumber, serialNumber);
-  value.put_issuer(issuer);
-  value.put_serialNumber(serialNumber);
+  GetIssuerAndSerial<ASN1T_GeneralName_traits, CGeneralName>(rec, value);
 }
 
 }  // namespace ASN1

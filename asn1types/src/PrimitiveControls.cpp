@@ -59,24 +59,21 @@ int DecodeBitStr(ASN1CTXT* ctxt, void* r) {
   return xd_bitstr(ctxt, &s->data, &s->numbits, ASN1EXPL, 0);
 }
 
-// ASN1OpenType and the first two fields of Asn1Object share one layout.
+// The open-type bytes of ASN1OpenType and of Asn1Object (data, numocts).
+template <class Record>
 int EncodeOpenType(ASN1CTXT* ctxt, void* r) {
-  auto* s = static_cast<ASN1OpenType*>(r);
+  auto* s = static_cast<Record*>(r);
   return xe_OpenType(ctxt, s->data, s->numocts);
 }
+template <class Record>
 int DecodeOpenType(ASN1CTXT* ctxt, void* r) {
-  auto* s = static_cast<ASN1OpenType*>(r);
+  auto* s = static_cast<Record*>(r);
   return xd_OpenType(ctxt, &s->data, &s->numocts);
 }
 
-int EncodeObject(ASN1CTXT* ctxt, void* r) {
-  auto* s = static_cast<Asn1Object*>(r);
-  return xe_OpenType(ctxt, s->data, s->numocts);
-}
 int DecodeObject(ASN1CTXT* ctxt, void* r) {
-  auto* s = static_cast<Asn1Object*>(r);
-  s->decoded = nullptr;
-  return xd_OpenType(ctxt, &s->data, &s->numocts);
+  static_cast<Asn1Object*>(r)->decoded = nullptr;
+  return DecodeOpenType<Asn1Object>(ctxt, r);
 }
 
 int EncodeBigInt(ASN1CTXT* ctxt, void* r) {
@@ -110,10 +107,10 @@ ASN1C_BitStr::ASN1C_BitStr(ASN1MessageBufferIF& buffer, ASN1DynBitStr& data)
     : PrimitiveControl(buffer, &data, EncodeBitStr, DecodeBitStr) {}
 
 ASN1C_OpenType::ASN1C_OpenType(ASN1MessageBufferIF& buffer, ASN1OpenType& data)
-    : PrimitiveControl(buffer, &data, EncodeOpenType, DecodeOpenType) {}
+    : PrimitiveControl(buffer, &data, EncodeOpenType<ASN1OpenType>, DecodeOpenType<ASN1OpenType>) {}
 
 ASN1C_Object::ASN1C_Object(ASN1MessageBufferIF& buffer, Asn1Object& data)
-    : PrimitiveControl(buffer, &data, EncodeObject, DecodeObject) {}
+    : PrimitiveControl(buffer, &data, EncodeOpenType<Asn1Object>, DecodeObject) {}
 
 ASN1C_BigInt::ASN1C_BigInt(ASN1MessageBufferIF& buffer, char const*& data)
     : PrimitiveControl(buffer, &data, EncodeBigInt, DecodeBigInt) {}

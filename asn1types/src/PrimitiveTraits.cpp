@@ -45,6 +45,26 @@ void AssignBytes(CBlob& out, ASN1OCTET const* data, ASN1UINT n) {
   out.assign(data, n);
 }
 
+// The records that hold bytes as (data, numocts): OCTET STRING, open type and
+// Asn1Object. SetOctets puts a heap copy of the blob in the record.
+template <class Record>
+void SetOctets(ASN1CTXT* ctxt, Record& rec, CBlob const& bytes) {
+  ASN1UINT n = RecordCount(bytes);
+  rec.data = HeapBytes(ctxt, bytes.pbData(), n);
+  rec.numocts = n;
+}
+
+// CopyOctets gives dst a heap copy of src's bytes; false (nothing done) when
+// they are the same record.
+template <class Record>
+bool CopyOctets(ASN1CTXT* ctxt, Record const& src, Record& dst) {
+  if (&src == &dst) return false;
+  if (!src.data && src.numocts) throwCodecError();
+  dst.data = HeapBytes(ctxt, src.data, src.numocts);
+  dst.numocts = src.numocts;
+  return true;
+}
+
 }  // namespace
 
 // ---- OBJECT IDENTIFIER -----------------------------------------------------
@@ -113,9 +133,7 @@ void ASN1UTF8String_traits::copy(ASN1CTXT* ctxt, char const* const& src, char co
 // ---- OCTET STRING -------------------------------------------------------------------
 
 void ASN1TDynOctStr_traits::set(ASN1CTXT* ctxt, ASN1DynOctStr& rec, CBlob const& bytes) {
-  ASN1UINT n = RecordCount(bytes);
-  rec.data = HeapBytes(ctxt, bytes.pbData(), n);
-  rec.numocts = n;
+  SetOctets(ctxt, rec, bytes);
 }
 
 void ASN1TDynOctStr_traits::get(ASN1DynOctStr const& rec, CBlob& bytes) {
@@ -123,10 +141,7 @@ void ASN1TDynOctStr_traits::get(ASN1DynOctStr const& rec, CBlob& bytes) {
 }
 
 void ASN1TDynOctStr_traits::copy(ASN1CTXT* ctxt, ASN1DynOctStr const& src, ASN1DynOctStr& dst) {
-  if (&src == &dst) return;
-  if (!src.data && src.numocts) throwCodecError();
-  dst.data = HeapBytes(ctxt, src.data, src.numocts);
-  dst.numocts = src.numocts;
+  CopyOctets(ctxt, src, dst);
 }
 
 // ---- BIT STRING -------------------------------------------------------------------------
@@ -153,9 +168,7 @@ void ASN1TDynBitStr_traits::copy(ASN1CTXT* ctxt, ASN1DynBitStr const& src, ASN1D
 // ---- Open types ----------------------------------------------------------------------
 
 void ASN1TOpenType_traits::set(ASN1CTXT* ctxt, ASN1OpenType& rec, CBlob const& der) {
-  ASN1UINT n = RecordCount(der);
-  rec.data = HeapBytes(ctxt, der.pbData(), n);
-  rec.numocts = n;
+  SetOctets(ctxt, rec, der);
 }
 
 void ASN1TOpenType_traits::get(ASN1OpenType const& rec, CBlob& der) {
@@ -163,16 +176,11 @@ void ASN1TOpenType_traits::get(ASN1OpenType const& rec, CBlob& der) {
 }
 
 void ASN1TOpenType_traits::copy(ASN1CTXT* ctxt, ASN1OpenType const& src, ASN1OpenType& dst) {
-  if (&src == &dst) return;
-  if (!src.data && src.numocts) throwCodecError();
-  dst.data = HeapBytes(ctxt, src.data, src.numocts);
-  dst.numocts = src.numocts;
+  CopyOctets(ctxt, src, dst);
 }
 
 void Asn1TObject_traits::set(ASN1CTXT* ctxt, Asn1Object& rec, CBlob const& der) {
-  ASN1UINT n = RecordCount(der);
-  rec.data = HeapBytes(ctxt, der.pbData(), n);
-  rec.numocts = n;
+  SetOctets(ctxt, rec, der);
   rec.decoded = nullptr;
 }
 
@@ -181,13 +189,9 @@ void Asn1TObject_traits::get(Asn1Object const& rec, CBlob& der) {
 }
 
 void Asn1TObject_traits::copy(ASN1CTXT* ctxt, Asn1Object const& src, Asn1Object& dst) {
-  if (&src == &dst) return;
-  if (!src.data && src.numocts) throwCodecError();
-  dst.data = HeapBytes(ctxt, src.data, src.numocts);
-  dst.numocts = src.numocts;
   // The decoded value belongs to the information object of the key, which only
   // the generated copy of the enclosing record knows.
-  dst.decoded = nullptr;
+  if (CopyOctets(ctxt, src, dst)) dst.decoded = nullptr;
 }
 
 // ---- GeneralizedTime -------------------------------------------------------------------

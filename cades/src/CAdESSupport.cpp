@@ -43,20 +43,6 @@ CDateTime ParseTimeText(std::string const& text) {
 
 }  // namespace
 
-bool IsWholeElement(CBlob const& der) {
-  if (der.cbData() < 2 || der.cbData() > 0x7FFFFFFFul) return false;
-  ASN1::ctxt_handle scratch;
-  if (!scratch.init()) ASN1::throwHeapError();
-  int const size = static_cast<int>(der.cbData());
-  int length = 0;
-  // xd_setp measures the first element: its whole length when definite,
-  // ASN_K_INDEFLEN when indefinite (measured separately, end-of-contents
-  // octets included); an element longer than the blob fails.
-  if (xd_setp(scratch.get(), der.pbData(), size, nullptr, &length) != 0) return false;
-  if (length == ASN_K_INDEFLEN) return xd_indeflen_ex(der.pbData(), size) == size;
-  return length == size;
-}
-
 void SetOpenType(ASN1CTXT* ctxt, ASN1OpenType& rec, CBlob const& der) {
   // An empty or partial element would be written into the parent as it
   // stands and make its encoding unreadable.

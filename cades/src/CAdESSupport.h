@@ -9,6 +9,7 @@
 #include <korvex/asn1types/Traits.h>
 #include <korvex/core/Blob.h>
 #include <korvex/core/DateTime.h>
+#include <korvex/ocsp/RecordSupport.h>
 
 #include <new>
 
@@ -17,9 +18,9 @@ namespace PKI {
 namespace CAdES {
 namespace support {
 
-// IsWholeElement: der holds exactly one BER element (definite or indefinite
-// length) and nothing after it.
-bool IsWholeElement(CBlob const& der);
+// IsWholeElement and NewRecord: those of the OCSP layer (RecordSupport.h).
+using PKI::detail::IsWholeElement;
+using PKI::detail::NewRecord;
 
 // SetOpenType: der, which must be one whole element (else 0x80093101), copied
 // into ctxt's heap as the open type's bytes (no memory: 0x80093106).
@@ -34,15 +35,6 @@ template <class Traits, class Value>
 void DecodeWhole(CBlob const& der, Value& value) {
   if (!IsWholeElement(der)) ASN1::throwCodecError();
   ASN1::asn1Decode<Traits>(der, value);
-}
-
-// NewRecord<Record>(ctxt): a zero-filled record from ctxt's heap, built in
-// place and owning no context, so the heap takes it back with the context
-// (no memory: 0x80093106).
-template <class Record>
-Record* NewRecord(ASN1CTXT* ctxt) {
-  void* memory = ASN1::checkHeap(rtMemHeapAllocZ(&ctxt->pTypeMemHeap, sizeof(Record)));
-  return ::new (memory) Record();
 }
 
 // UtcTimeText: t as DER UTCTime text "YYMMDDhhmmssZ" in ctxt's heap: the

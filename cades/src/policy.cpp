@@ -43,24 +43,33 @@ SignaturePolicy::SignaturePolicy(unsigned int type, bool flag)
   customized = false;
 }
 
+namespace {
+
+// SetLevels: the five requirement levels an initialiser sets, in the order
+// of the class's fields.
+void SetLevels(SignaturePolicy& p, unsigned int content, unsigned int signingRefs,
+               unsigned int included, unsigned int endRevocation, unsigned int caRevocation) {
+  p.content_placement = content;
+  p.signing_certificate_refs = signingRefs;
+  p.included_certificates = included;
+  p.end_certificate_revocation = endRevocation;
+  p.ca_certificate_revocation = caRevocation;
+}
+
+}  // namespace
+
 // Plain PKCS#7 (RFC 5652 SignedData): no signing-certificate attribute.
 void SignaturePolicy::InitPolicyPKCS7() {
-  content_placement = kContentEither;
-  signing_certificate_refs = kCertificatesNone;
-  included_certificates = kCertificatesNone;
-  end_certificate_revocation = kRevocationEither;
-  ca_certificate_revocation = kRevocationEither;
+  SetLevels(*this, kContentEither, kCertificatesNone, kCertificatesNone, kRevocationEither,
+            kRevocationEither);
   check_revocation_online = true;
 }
 
 // CAdES-BES: the signing-certificate attribute names the
 // signer's certificate; nothing unsigned is required.
 void SignaturePolicy::InitPolicyBes() {
-  content_placement = kContentEither;
-  signing_certificate_refs = kCertificatesSignerOnly;
-  included_certificates = kCertificatesNone;
-  end_certificate_revocation = kRevocationEither;
-  ca_certificate_revocation = kRevocationEither;
+  SetLevels(*this, kContentEither, kCertificatesSignerOnly, kCertificatesNone, kRevocationEither,
+            kRevocationEither);
   check_revocation_online = true;
 }
 
@@ -73,11 +82,8 @@ void SignaturePolicy::InitPolicyT() {
 // CAdES-X Long Type 1: the time-stamp over the complete
 // references and the certificate and revocation values themselves.
 void SignaturePolicy::InitPolicyXLongType1() {
-  content_placement = kContentEither;
-  signing_certificate_refs = kCertificatesSignerOnly;
-  included_certificates = kCertificatesNone;
-  end_certificate_revocation = kRevocationOcsp;
-  ca_certificate_revocation = kRevocationNone;
+  SetLevels(*this, kContentEither, kCertificatesSignerOnly, kCertificatesNone, kRevocationOcsp,
+            kRevocationNone);
   required_unsigned_attributes.emplace_back(kCadesCTimeStampOid);
   required_unsigned_attributes.emplace_back(kCertificateValuesOid);
   required_unsigned_attributes.emplace_back(kRevocationValuesOid);
@@ -86,11 +92,8 @@ void SignaturePolicy::InitPolicyXLongType1() {
 // CAdES-A: the version 3 archive time-stamp; the
 // attributes of the lower types are not repeated here.
 void SignaturePolicy::InitPolicyA() {
-  content_placement = kContentEither;
-  signing_certificate_refs = kCertificatesSignerOnly;
-  included_certificates = kCertificatesNone;
-  end_certificate_revocation = kRevocationOcsp;
-  ca_certificate_revocation = kRevocationEither;
+  SetLevels(*this, kContentEither, kCertificatesSignerOnly, kCertificatesNone, kRevocationOcsp,
+            kRevocationEither);
   required_unsigned_attributes.emplace_back(kArchiveTimeStampV3Oid);
 }
 

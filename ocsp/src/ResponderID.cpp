@@ -4,6 +4,7 @@
 #include <korvex/asn1types/ErrorCodes.h>
 #include <korvex/asn1types/NamesTraits.h>
 #include <korvex/asn1types/PrimitiveTraits.h>
+#include <korvex/ocsp/RecordSupport.h>
 #include <korvex/ocsp/ResponderID.h>
 #include <korvex/ocsp/ResponderIDTraits.h>
 
@@ -15,33 +16,13 @@ namespace OCSP {
 
 using ASN1::checkHeap;
 using ASN1::throwCodecError;
+using PKI::detail::IsWholeElement;
+using PKI::detail::NewRecord;
 
 namespace {
 
 typedef ASN1::ChoiceValueTraitsT<CBlob, CResponderID::kByName> ByNameHandler;
 typedef ASN1::ChoiceValueTraitsT<CBlob, CResponderID::kByKey> ByKeyHandler;
-
-// WholeElement: der holds exactly one BER element and nothing after it (the
-// decoders stop after the first element and would drop the rest unseen).
-bool WholeElement(CBlob const& der) {
-  if (der.cbData() < 2 || der.cbData() > 0x7FFFFFFFul) return false;
-  ASN1::ctxt_handle scratch;
-  if (!scratch.init()) ASN1::throwHeapError();
-  int const size = static_cast<int>(der.cbData());
-  int length = 0;
-  // A definite element reports its complete length, an indefinite one -9999.
-  if (xd_setp(scratch.get(), der.pbData(), size, nullptr, &length) != 0) return false;
-  if (length == ASN_K_INDEFLEN) return xd_indeflen_ex(der.pbData(), size) == size;
-  return length == size;
-}
-
-// A zero-filled record of ctxt's heap, built in place and owning no context
-// (the heap takes it back with the context).
-template <class Record>
-Record* NewRecord(ASN1CTXT* ctxt) {
-  void* memory = checkHeap(rtMemHeapAllocZ(&ctxt->pTypeMemHeap, sizeof(Record)));
-  return ::new (memory) Record();
-}
 
 }  // namespace
 
@@ -104,7 +85,7 @@ void CResponderID::clear() { m_impl->reset(); }
 CBlob CResponderID::encode() const { return ASN1::asn1Encode<ASN1T_ResponderID_traits>(*this); }
 
 void CResponderID::decode(CBlob const& der) {
-  if (!WholeElement(der)) throwCodecError();
+  if (!IsWholeElement(der)) throwCodecError();
   CResponderID decoded;
   ASN1::asn1Decode<ASN1T_ResponderID_traits>(der, decoded);
   m_impl.swap(decoded.m_impl);

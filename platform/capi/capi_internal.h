@@ -53,6 +53,15 @@ class Registry {
   std::shared_ptr<T> Find(uintptr_t handle) const {
     return Find(reinterpret_cast<const void*>(handle));
   }
+  // Publish adds a new object under its own address and stores that address
+  // in *out as the caller's handle.
+  template <typename Handle>
+  BOOL Publish(std::shared_ptr<T> object, Handle* out) {
+    T* address = object.get();
+    Add(address, std::move(object));
+    *out = reinterpret_cast<Handle>(address);
+    return TRUE;
+  }
   // Remove forgets the handle; returns the object (null when unknown).
   std::shared_ptr<T> Remove(const void* handle) {
     std::lock_guard<std::mutex> lock(mutex_);
@@ -189,6 +198,11 @@ bool MessageCertificates(HCRYPTMSG message, std::vector<std::vector<BYTE>>* out)
 // null buffer it stores the size; with a short one ERROR_MORE_DATA (size
 // stored); otherwise it copies and stores the size.
 BOOL CopyOut(const void* data, size_t size, BYTE* out, DWORD* outSize);
+
+// CopyOutDword is CopyOut of a parameter that is one DWORD.
+inline BOOL CopyOutDword(DWORD value, BYTE* out, DWORD* outSize) {
+  return CopyOut(&value, sizeof value, out, outSize);
+}
 
 }  // namespace korvex::capi
 

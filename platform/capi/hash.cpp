@@ -74,12 +74,6 @@ const EVP_MD* DigestOf(ALG_ID algorithm) {
 
 std::shared_ptr<Hash> FindHash(HCRYPTHASH handle) { return Hashes().Find(handle); }
 
-BOOL Register(std::shared_ptr<Hash> hash, HCRYPTHASH* out) {
-  Hashes().Add(hash.get(), hash);
-  *out = reinterpret_cast<HCRYPTHASH>(hash.get());
-  return TRUE;
-}
-
 }  // namespace
 }  // namespace korvex::capi
 
@@ -101,7 +95,7 @@ extern "C" BOOL CryptCreateHash(HCRYPTPROV hProv, ALG_ID Algid, HCRYPTKEY hKey, 
   hash->ctx.reset(EVP_MD_CTX_new());
   if (!hash->ctx) return Fail(NTE_NO_MEMORY);
   if (EVP_DigestInit_ex(hash->ctx.get(), md, nullptr) != 1) return Fail(NTE_BAD_ALGID);
-  return Register(std::move(hash), phHash);
+  return Hashes().Publish(std::move(hash), phHash);
 }
 
 extern "C" BOOL CryptHashData(HCRYPTHASH hHash, const BYTE* pbData, DWORD dwDataLen,
@@ -125,14 +119,11 @@ extern "C" BOOL CryptGetHashParam(HCRYPTHASH hHash, DWORD dwParam, BYTE* pbData,
   if (pdwDataLen == nullptr) return FailWin32(ERROR_INVALID_PARAMETER);
   if (dwFlags != 0) return Fail(NTE_BAD_FLAGS);
   std::lock_guard<std::mutex> lock(hash->mutex);
-  DWORD number;
   switch (dwParam) {
     case HP_ALGID:
-      number = hash->algorithm;
-      return CopyOut(&number, sizeof number, pbData, pdwDataLen);
+      return CopyOutDword(hash->algorithm, pbData, pdwDataLen);
     case HP_HASHSIZE:
-      number = static_cast<DWORD>(EVP_MD_get_size(hash->md));
-      return CopyOut(&number, sizeof number, pbData, pdwDataLen);
+      return CopyOutDword(static_cast<DWORD>(EVP_MD_get_size(hash->md)), pbData, pdwDataLen);
     case HP_HASHVAL: {
       size_t size = static_cast<size_t>(EVP_MD_get_size(hash->md));
       // A size query or a short buffer must not finish the hash.
@@ -173,7 +164,7 @@ extern "C" BOOL CryptDuplicateHash(HCRYPTHASH hHash, DWORD* pdwReserved, DWORD d
       return Fail(NTE_NO_MEMORY);
     }
   }
-  return Register(std::move(copy), phHash);
+  return Hashes().Publish(std::move(copy), phHash);
 }
 
 extern "C" BOOL CryptDestroyHash(HCRYPTHASH hHash) {

@@ -32,9 +32,7 @@ BOOL Acquire(HCRYPTPROV* phProv, const std::string* container, const std::string
   auto object = std::make_shared<Provider>();
   object->type = type;
   object->name = name;
-  Providers().Add(object.get(), object);
-  *phProv = reinterpret_cast<HCRYPTPROV>(object.get());
-  return TRUE;
+  return Providers().Publish(std::move(object), phProv);
 }
 
 // Narrow converts a wide name, keeping track of whether it was plain ASCII.
@@ -123,17 +121,13 @@ extern "C" BOOL CryptGetProvParam(HCRYPTPROV hProv, DWORD dwParam, BYTE* pbData,
   if (!provider) return Fail(NTE_BAD_UID);
   if (pdwDataLen == nullptr) return FailWin32(ERROR_INVALID_PARAMETER);
   if (dwFlags != 0) return Fail(NTE_BAD_FLAGS);
-  DWORD number;
   switch (dwParam) {
     case PP_PROVTYPE:
-      number = provider->type;
-      return CopyOut(&number, sizeof number, pbData, pdwDataLen);
+      return CopyOutDword(provider->type, pbData, pdwDataLen);
     case PP_IMPTYPE:
-      number = CRYPT_IMPL_SOFTWARE;
-      return CopyOut(&number, sizeof number, pbData, pdwDataLen);
+      return CopyOutDword(CRYPT_IMPL_SOFTWARE, pbData, pdwDataLen);
     case PP_VERSION:
-      number = kProviderVersion;
-      return CopyOut(&number, sizeof number, pbData, pdwDataLen);
+      return CopyOutDword(kProviderVersion, pbData, pdwDataLen);
     case PP_NAME:
       return CopyOut(provider->name.c_str(), provider->name.size() + 1, pbData, pdwDataLen);
     case PP_CONTAINER:

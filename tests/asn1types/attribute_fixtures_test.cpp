@@ -1,10 +1,12 @@
 // The attribute classes over the signed attributes of the fixtures' CMS
 // signatures (tests/data/cms) and of the time-stamp token (tests/data/tsp):
 // content type, message digest, signing time, signingCertificateV2 and the
-// SHA-1 signature's signingCertificate v1. Every set encodes back to the
-// bytes that were signed.
+// SHA-1 signature's signingCertificate v1, the certificate IDs checked
+// against the certificates they name. Every set encodes back to the bytes
+// that were signed.
 #include <gtest/gtest.h>
 #include <korvex/asn1types/Attribute.h>
+#include <korvex/platform/capi/wincrypt.h>
 
 #include <string>
 #include <vector>
@@ -45,6 +47,31 @@ CBlob OnlyValue(CAttributes const& attrs, char const* oid) {
 // The subject Name DER of a certificate.
 CBlob SubjectOf(char const* file) { return Root(ReadFixture(file)).child(0).child(5).der(); }
 
+// The digest of a fixture file with the platform's hash (CALG_SHA1,
+// CALG_SHA_256): what a certHash of that certificate must hold.
+std::string DigestOf(ALG_ID algorithm, char const* file) {
+  CBlob const bytes = ReadFixture(file);
+  HCRYPTPROV prov = 0;
+  HCRYPTHASH hash = 0;
+  CBlob out;
+  if (!CryptAcquireContextA(&prov, nullptr, nullptr, PROV_RSA_AES, CRYPT_VERIFYCONTEXT)) {
+    ADD_FAILURE() << "no provider";
+    return "";
+  }
+  if (CryptCreateHash(prov, algorithm, 0, 0, &hash) &&
+      CryptHashData(hash, bytes.pbData(), static_cast<DWORD>(bytes.cbData()), 0)) {
+    DWORD size = 64;
+    std::vector<BYTE> value(size);
+    if (CryptGetHashParam(hash, HP_HASHVAL, value.data(), &size, 0)) {
+      out = CBlob(value.data(), size);
+    }
+  }
+  if (hash) CryptDestroyHash(hash);
+  CryptReleaseContext(prov, 0);
+  EXPECT_NE(0u, out.cbData());
+  return Hex(out);
+}
+
 // Checks an IssuerSerial against the intermediate CA's name and a serial.
 void ExpectIssuerSerial(CIssuerSerial const* issuerSerial, char const* serialHex) {
   ASSERT_NE(issuerSerial, nullptr);
@@ -55,24 +82,21 @@ void ExpectIssuerSerial(CIssuerSerial const* issuerSerial, char const* serialHex
   EXPECT_EQ(Hex(issuerSerial->get_serialNumber().get_value()), serialHex);
 }
 
-class AttributeFixturesTest : public testing::Test {
- protected:
-  void TearDown() override { EXPECT_EQ(HeapWatch::live(), 0); }
-  HeapWatch watch_;
-};
+class AttributeFixturesTest : public typestest::HeapCheckedTest {};
 
 TEST_F(AttributeFixturesTest, CadesSignedAttributes) {
   struct Case {
     char const* file;
     size_t signer;
     char const* serial;
+    char const* certificate;
   } const cases[] = {
-      {"cms/signed-attached.der", 0, "00 C0 FF EE"},
-      {"cms/signed-detached.der", 0, "00 C0 FF EE"},
-      {"cms/signed-nocerts.der", 0, "00 C0 FF EE"},
+      {"cms/signed-attached.der", 0, "00 C0 FF EE", "pki/ee-rsa.der"},
+      {"cms/signed-detached.der", 0, "00 C0 FF EE", "pki/ee-rsa.der"},
+      {"cms/signed-nocerts.der", 0, "00 C0 FF EE", "pki/ee-rsa.der"},
       // The SET OF SignerInfo is in DER order: the EC signer's comes first.
-      {"cms/signed-two-signers.der", 0, "10 02"},
-      {"cms/signed-two-signers.der", 1, "00 C0 FF EE"},
+      {"cms/signed-two-signers.der", 0, "10 02", "pki/ee-ec.der"},
+      {"cms/signed-two-signers.der", 1, "00 C0 FF EE", "pki/ee-rsa.der"},
   };
   for (Case const& c : cases) {
     SCOPED_TRACE(std::string(c.file) + " signer " + std::to_string(c.signer));
@@ -113,7 +137,10 @@ TEST_F(AttributeFixturesTest, CadesSignedAttributes) {
     // OCTET STRING ... } } }.
     Element hash = Root(v2).child(0).child(0).child(0);
     EXPECT_EQ(Hex(id.get_certHash()), Hex(CBlob(hash.contents(), hash.length)));
+    // ... and it is the SHA-256 of the signer's certificate (RFC 5035 4).
+    EXPECT_EQ(Hex(id.get_certHash()), DigestOf(CALG_SHA_256, c.certificate));
     ExpectIssuerSerial(id.get_issuerSerial(), c.serial);
+    EXPECT_EQ(Hex(id.encode()), Hex(Root(v2).child(0).child(0).der()));
     EXPECT_EQ(Hex(signingCertificate.encode()), Hex(v2));
     EXPECT_EQ(Hex(signingCertificate.get_value()), Hex(v2));
   }
@@ -133,7 +160,7 @@ TEST_F(AttributeFixturesTest, Sha1SignatureSigningCertificateV1) {
   CAttrSigningCertificate signingCertificate(v1);
   ASSERT_EQ(signingCertificate.get_certs().size(), 1u);
   CESSCertID const& id = signingCertificate.get_certs().front();
-  EXPECT_EQ(id.get_certHash().cbData(), 20u);  // SHA-1
+  EXPECT_EQ(Hex(id.get_certHash()), DigestOf(CALG_SHA1, "pki/ee-rsa.der"));  // RFC 2634 5.4.1
   ExpectIssuerSerial(id.get_issuerSerial(), "00 C0 FF EE");
   EXPECT_EQ(Hex(signingCertificate.encode()), Hex(v1));
 
@@ -158,6 +185,10 @@ TEST_F(AttributeFixturesTest, TimeStampTokenTwoCertIds) {
   EXPECT_STREQ(contentType.get_contentType(), "1.2.840.113549.1.9.16.1.4");  // id-ct-TSTInfo
   CAttrSigningCertificateV2 signingCertificate(OnlyValue(attrs, kOidSigningCertificateV2));
   ASSERT_EQ(signingCertificate.get_certs().size(), 2u);
+  EXPECT_EQ(Hex(signingCertificate.get_certs().front().get_certHash()),
+            DigestOf(CALG_SHA_256, "pki/tsa.der"));
+  EXPECT_EQ(Hex(signingCertificate.get_certs().back().get_certHash()),
+            DigestOf(CALG_SHA_256, "pki/intermediate-ca.der"));
   EXPECT_EQ(signingCertificate.get_certs().front().get_issuerSerial(), nullptr);
   CIssuerSerial const* second = signingCertificate.get_certs().back().get_issuerSerial();
   ASSERT_NE(second, nullptr);

@@ -24,11 +24,7 @@ char const kContentTypeAttr[] =
 // Attribute { messageDigest, { 04 00 } }
 char const kEmptyDigestAttr[] = "30 0F 06 09 2A 86 48 86 F7 0D 01 09 04 31 02 04 00";
 
-class AttributeTest : public testing::Test {
- protected:
-  void TearDown() override { EXPECT_EQ(HeapWatch::live(), 0); }
-  HeapWatch watch_;
-};
+class AttributeTest : public typestest::HeapCheckedTest {};
 
 TEST_F(AttributeTest, AttrValueParts) {
   CAttrValue empty;

@@ -16,9 +16,6 @@ using namespace typestest;
 
 namespace {
 
-constexpr unsigned kCodec = 0x80093101u;
-constexpr unsigned kInvalidArg = 0x80070057u;
-
 CBigInteger Big(char const* hex) {
   CBlob b = Blob(hex);
   return CBigInteger(b.pbData(), b.cbData());

@@ -453,21 +453,11 @@ TEST(CertIdTraitsTest, NoLeakOrStrayCodeUnderAllocationFailures) {
   CESSCertIDv2 v2(Blob("01 02 03 04"), CAlgorithmIdentifier(kSha512));
   CIssuerSerial issuerSerial = TestIssuerSerial();
   v2.put_issuerSerial(&issuerSerial);
-  CBlob v2Der = v2.encode();
-  pkitest::ExpectCleanUnderFaults([&] { v2.encode(); });
-  pkitest::ExpectCleanUnderFaults([&] {
-    CESSCertIDv2 decoded;
-    decoded.decode(v2Der);
-  });
+  pkitest::ExpectCodecCleanUnderFaults(v2);
 
   COtherCertID other(Blob("AA"), CAlgorithmIdentifier(kSha256));
   other.put_issuerSerial(&issuerSerial);
-  CBlob otherDer = other.encode();
-  pkitest::ExpectCleanUnderFaults([&] { other.encode(); });
-  pkitest::ExpectCleanUnderFaults([&] {
-    COtherCertID decoded;
-    decoded.decode(otherDer);
-  });
+  pkitest::ExpectCodecCleanUnderFaults(other);
 
   CESSCertIDv2List certs(3, v2);
   pkitest::ExpectCleanUnderFaults(

@@ -13,14 +13,7 @@ using namespace typestest;
 
 namespace {
 
-constexpr unsigned kCodec = 0x80093101u;
-constexpr unsigned kInvalidArg = 0x80070057u;
-
-class CharStringTest : public testing::Test {
- protected:
-  void TearDown() override { EXPECT_EQ(HeapWatch::live(), 0); }
-  HeapWatch watch_;
-};
+class CharStringTest : public typestest::HeapCheckedTest {};
 
 TEST_F(CharStringTest, EncodesEachType) {
   struct Case {

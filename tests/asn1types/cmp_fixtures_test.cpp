@@ -23,11 +23,7 @@ Element Body(CBlob const& message, unsigned char tag) {
   return body.child(0);
 }
 
-class CmpFixturesTest : public testing::Test {
- protected:
-  void TearDown() override { EXPECT_EQ(HeapWatch::live(), 0); }
-  HeapWatch watch_;
-};
+class CmpFixturesTest : public typestest::HeapCheckedTest {};
 
 TEST_F(CmpFixturesTest, InitializationResponseAccepted) {
   for (char const* file : {"cmp/ip.der", "cmp/cp.der", "cmp/kup.der", "cmp/p10cr-cp.der"}) {

@@ -15,11 +15,7 @@ using namespace typestest;
 
 namespace {
 
-class CmpStatusTest : public testing::Test {
- protected:
-  void TearDown() override { EXPECT_EQ(HeapWatch::live(), 0); }
-  HeapWatch watch_;
-};
+class CmpStatusTest : public typestest::HeapCheckedTest {};
 
 TEST_F(CmpStatusTest, FreeTextExactDer) {
   CPKIFreeText text(L"ok");

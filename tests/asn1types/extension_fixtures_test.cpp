@@ -44,11 +44,7 @@ std::string OnlyDistributionPointUri(CCRLDistPointsSyntax const& points) {
   return Uri(name->get_fullName()->front());
 }
 
-class ExtensionFixturesTest : public testing::Test {
- protected:
-  void TearDown() override { EXPECT_EQ(HeapWatch::live(), 0); }
-  HeapWatch watch_;
-};
+class ExtensionFixturesTest : public typestest::HeapCheckedTest {};
 
 TEST_F(ExtensionFixturesTest, EveryCertificateRoundTrips) {
   for (char const* name :

@@ -33,11 +33,7 @@ CGeneralNames Names(wchar_t const* uri) {
   return names;
 }
 
-class ExtensionNamesTest : public testing::Test {
- protected:
-  void TearDown() override { EXPECT_EQ(HeapWatch::live(), 0); }
-  HeapWatch watch_;
-};
+class ExtensionNamesTest : public typestest::HeapCheckedTest {};
 
 TEST_F(ExtensionNamesTest, DistributionPointNameAlternatives) {
   CDistributionPointName empty;

@@ -16,11 +16,7 @@ using namespace typestest;
 
 namespace {
 
-class ExtensionValuesTest : public testing::Test {
- protected:
-  void TearDown() override { EXPECT_EQ(HeapWatch::live(), 0); }
-  HeapWatch watch_;
-};
+class ExtensionValuesTest : public typestest::HeapCheckedTest {};
 
 TEST_F(ExtensionValuesTest, ExtensionExactDer) {
   struct Case {
@@ -90,7 +86,8 @@ TEST_F(ExtensionValuesTest, ExtensionCopyAndEquality) {
   b = a;
   b.put_extnID("2.5.29.16");
   EXPECT_TRUE(a != b);
-  b = b;  // self-assignment keeps the value
+  auto const& self = b;
+  b = self;  // self-assignment keeps the value
   EXPECT_STREQ(b.get_extnID(), "2.5.29.16");
 }
 

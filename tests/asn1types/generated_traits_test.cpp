@@ -49,11 +49,7 @@ struct AlgIdTraits
   }
 };
 
-class GeneratedTraitsTest : public testing::Test {
- protected:
-  void TearDown() override { EXPECT_EQ(HeapWatch::live(), 0); }
-  HeapWatch watch_;
-};
+class GeneratedTraitsTest : public typestest::HeapCheckedTest {};
 
 TEST_F(GeneratedTraitsTest, WorkedExampleBytes) {
   struct Case {

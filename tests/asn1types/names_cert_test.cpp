@@ -20,11 +20,7 @@ using namespace typestest;
 
 namespace {
 
-class CertificateNamesTest : public testing::Test {
- protected:
-  void TearDown() override { EXPECT_EQ(HeapWatch::live(), 0); }
-  HeapWatch watch_;
-};
+class CertificateNamesTest : public typestest::HeapCheckedTest {};
 
 TEST_F(CertificateNamesTest, SubjectsAndIssuersDecodeReencodeAndPrint) {
   struct Case {

@@ -16,14 +16,7 @@ using namespace typestest;
 
 namespace {
 
-constexpr unsigned kCodec = 0x80093101u;
-constexpr unsigned kInvalid = 0x80070057u;
-
-class NamesDerTest : public testing::Test {
- protected:
-  void TearDown() override { EXPECT_EQ(HeapWatch::live(), 0); }
-  HeapWatch watch_;
-};
+class NamesDerTest : public typestest::HeapCheckedTest {};
 
 CAttributeTypeAndValue Atav(char const* oid, char const* valueHex) {
   return CAttributeTypeAndValue(oid, Blob(valueHex));
@@ -76,9 +69,9 @@ TEST_F(NamesDerTest, AttributeTypeAndValueRefusals) {
   CAttributeTypeAndValue unset;
   EXPECT_STREQ(unset.get_type(), "");
   EXPECT_EQ(ThrownCode([&] { unset.encode(); }), kCodec);
-  EXPECT_EQ(ThrownCode([&] { unset.put_type("1..2"); }), kInvalid);
-  EXPECT_EQ(ThrownCode([&] { unset.put_type(nullptr); }), kInvalid);
-  EXPECT_EQ(ThrownCode([&] { CAttributeTypeAndValue("x", CBlob()); }), kInvalid);
+  EXPECT_EQ(ThrownCode([&] { unset.put_type("1..2"); }), kInvalidArg);
+  EXPECT_EQ(ThrownCode([&] { unset.put_type(nullptr); }), kInvalidArg);
+  EXPECT_EQ(ThrownCode([&] { CAttributeTypeAndValue("x", CBlob()); }), kInvalidArg);
   // put_type keeps the canonical text.
   unset.put_type(" 2.5.4.3");
   EXPECT_STREQ(unset.get_type(), "2.5.4.3");
@@ -247,9 +240,9 @@ TEST_F(NamesDerTest, GeneralNameGettersAndRefusals) {
     unsigned putCode;
     unsigned encodeCode;
   } const cases[] = {
-      {"null text", [](CGeneralName& g) { g.put_dNSName(nullptr); }, kInvalid, 0},
-      {"bad OID", [](CGeneralName& g) { g.put_registeredID("1.2."); }, kInvalid, 0},
-      {"non-ASCII OID", [](CGeneralName& g) { g.put_registeredID(L"1.\u00e9"); }, kInvalid, 0},
+      {"null text", [](CGeneralName& g) { g.put_dNSName(nullptr); }, kInvalidArg, 0},
+      {"bad OID", [](CGeneralName& g) { g.put_registeredID("1.2."); }, kInvalidArg, 0},
+      {"non-ASCII OID", [](CGeneralName& g) { g.put_registeredID(L"1.\u00e9"); }, kInvalidArg, 0},
       {"character above U+00FF", [](CGeneralName& g) { g.put_rfc822Name(L"\u0100"); }, 0,
        kCodec},
       {"directoryName that is no Name",

@@ -14,9 +14,6 @@ using namespace typestest;
 
 namespace {
 
-constexpr unsigned kCodec = 0x80093101u;
-constexpr unsigned kInvalid = 0x80070057u;
-
 TEST(AttributeTypeRegisterTest, LibraryEntriesInOrder) {
   struct Entry {
     CATAVRegister const* global;
@@ -76,8 +73,8 @@ TEST(AttributeTypeRegisterTest, TypeNames) {
   EXPECT_EQ(CATAVRegister::find("2.5.4.3 "), CATAVRegister::end());
   EXPECT_EQ(CATAVRegister::find(L"Cn"), CATAVRegister::end());
   EXPECT_EQ(CATAVRegister::find(static_cast<char const*>(nullptr)), CATAVRegister::end());
-  EXPECT_EQ(ThrownCode([] { CATAVRegister::typeToStr(nullptr); }), kInvalid);
-  EXPECT_EQ(ThrownCode([] { CATAVRegister::typeFromStr(nullptr); }), kInvalid);
+  EXPECT_EQ(ThrownCode([] { CATAVRegister::typeToStr(nullptr); }), kInvalidArg);
+  EXPECT_EQ(ThrownCode([] { CATAVRegister::typeFromStr(nullptr); }), kInvalidArg);
 }
 
 TEST(AttributeTypeRegisterTest, MakeAtav) {
@@ -109,10 +106,10 @@ TEST(AttributeTypeRegisterTest, MakeAtav) {
   CAttributeTypeAndValue two = CATAVRegister::makeATAV(L"O", L"Korvex", stDefault);
   EXPECT_EQ(Hex(two.get_value()), "0C 06 4B 6F 72 76 65 78");
 
-  EXPECT_EQ(ThrownCode([] { CATAVRegister::makeATAV(L"CN", stDefault); }), kInvalid);
-  EXPECT_EQ(ThrownCode([] { CATAVRegister::makeATAV(L"cn=x", stDefault); }), kInvalid);
-  EXPECT_EQ(ThrownCode([] { CATAVRegister::makeATAV(L"=x", stDefault); }), kInvalid);
-  EXPECT_EQ(ThrownCode([] { CATAVRegister::makeATAV(nullptr, stDefault); }), kInvalid);
+  EXPECT_EQ(ThrownCode([] { CATAVRegister::makeATAV(L"CN", stDefault); }), kInvalidArg);
+  EXPECT_EQ(ThrownCode([] { CATAVRegister::makeATAV(L"cn=x", stDefault); }), kInvalidArg);
+  EXPECT_EQ(ThrownCode([] { CATAVRegister::makeATAV(L"=x", stDefault); }), kInvalidArg);
+  EXPECT_EQ(ThrownCode([] { CATAVRegister::makeATAV(nullptr, stDefault); }), kInvalidArg);
   EXPECT_EQ(ThrownCode([] { CATAVRegister::makeATAV(L"CN=x", static_cast<StringType>(7)); }),
             kCodec);
 }
@@ -123,12 +120,12 @@ TEST(AttributeTypeRegisterTest, ValueConversions) {
             32768u + 4u);
   std::wstring over(32769, L'a');
   EXPECT_EQ(ThrownCode([&] { CATAVRegister::valueFromStr("2.5.4.3", over.c_str(), stDefault); }),
-            kInvalid);
+            kInvalidArg);
   // An unregistered type has no limit.
   EXPECT_EQ(CATAVRegister::valueFromStr("1.2.3.4", over.c_str(), stDefault).cbData(),
             32769u + 4u);
   EXPECT_EQ(ThrownCode([] { CATAVRegister::valueFromStr("2.5.4.3", nullptr, stDefault); }),
-            kInvalid);
+            kInvalidArg);
 
   struct Case {
     char const* der;
@@ -161,8 +158,8 @@ TEST(AttributeTypeRegisterTest, RegistrationAtRunTime) {
   EXPECT_EQ(Hex(CATAVRegister::makeATAV(L"KorvexTestAttr=abcd", stDefault).get_value()),
             "16 04 61 62 63 64");
   EXPECT_EQ(ThrownCode([] { CATAVRegister::makeATAV(L"KorvexTestAttr=abcde", stDefault); }),
-            kInvalid);
-  EXPECT_EQ(ThrownCode([] { CATAVRegister(nullptr, L"x", stDefault, 1); }), kInvalid);
+            kInvalidArg);
+  EXPECT_EQ(ThrownCode([] { CATAVRegister(nullptr, L"x", stDefault, 1); }), kInvalidArg);
   EXPECT_EQ(CATAVRegister::registered().size(), before + 1);
 }
 

@@ -33,11 +33,7 @@ std::string Pairs(CName const& name) {
   return out;
 }
 
-class NameTextTest : public testing::Test {
- protected:
-  void TearDown() override { EXPECT_EQ(HeapWatch::live(), 0); }
-  HeapWatch watch_;
-};
+class NameTextTest : public typestest::HeapCheckedTest {};
 
 TEST_F(NameTextTest, ParseAndWriteBack) {
   struct Case {

@@ -19,10 +19,6 @@ using namespace typestest;
 
 namespace {
 
-constexpr unsigned kCodec = 0x80093101u;
-constexpr unsigned kHeap = 0x80093106u;
-constexpr unsigned kInvalidArg = 0x80070057u;
-
 class PrimitiveTraitsTest : public testing::Test {
  protected:
   void SetUp() override { ASSERT_TRUE(ctxt_.init()); }

@@ -27,11 +27,7 @@ CPolicyInformationList AnyPolicy() {
   return list;
 }
 
-class SigningCertificateTest : public testing::Test {
- protected:
-  void TearDown() override { EXPECT_EQ(HeapWatch::live(), 0); }
-  HeapWatch watch_;
-};
+class SigningCertificateTest : public typestest::HeapCheckedTest {};
 
 TEST_F(SigningCertificateTest, VersionOneExactDer) {
   CAttrSigningCertificate empty;
@@ -86,7 +82,8 @@ TEST_F(SigningCertificateTest, VersionTwoDefaultHashAndPolicies) {
   copy = back;
   EXPECT_EQ(Hex(copy.get_value()), withPolicies);
   ASSERT_NE(copy.get_policies(), nullptr);
-  copy = copy;
+  auto const& self = copy;
+  copy = self;  // self-assignment keeps the value
   EXPECT_EQ(Hex(copy.get_value()), withPolicies);
 
   // The DER changed through value() is read back by decode().

@@ -18,16 +18,7 @@ using namespace typestest;
 
 namespace {
 
-constexpr unsigned kCodec = 0x80093101u;
-constexpr unsigned kHeap = 0x80093106u;
-constexpr unsigned kInvalidArg = 0x80070057u;
-
-class TraitsTemplateTest : public testing::Test {
- protected:
-  // Every test ends with every runtime block freed.
-  void TearDown() override { EXPECT_EQ(HeapWatch::live(), 0); }
-  HeapWatch watch_;
-};
+class TraitsTemplateTest : public typestest::HeapCheckedTest {};
 
 TEST_F(TraitsTemplateTest, EncodeWritesExactBytes) {
   struct Case {

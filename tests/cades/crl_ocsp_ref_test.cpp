@@ -232,12 +232,7 @@ TEST(CompleteRevocationRefsTest, NothingLeaksUnderAllocationFailures) {
   CCompleteRevocationRefs refs;
   refs.push_back(Ref(&crls, &ocsps));
   refs.push_back(Ref(nullptr, &ocsps));
-  CBlob der = refs.encode();
-  ExpectCleanUnderFaults([&] { refs.encode(); });
-  ExpectCleanUnderFaults([&] {
-    CCompleteRevocationRefs back;
-    back.decode(der);
-  });
+  ExpectCodecCleanUnderFaults(refs);
 }
 
 }  // namespace

@@ -248,12 +248,7 @@ TEST(CrlValidatedIDTest, NothingLeaksUnderAllocationFailures) {
   CCRLListID list;
   list.push_back(Validated(Sha1(1), &id));
   list.push_back(Validated(Sha1(2), nullptr));
-  CBlob der = list.encode();
-  ExpectCleanUnderFaults([&] { list.encode(); });
-  ExpectCleanUnderFaults([&] {
-    CCRLListID back;
-    back.decode(der);
-  });
+  ExpectCodecCleanUnderFaults(list);
 }
 
 }  // namespace

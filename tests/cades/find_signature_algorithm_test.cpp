@@ -6,6 +6,7 @@
 #include <korvex/platform/capi/hash.h>
 
 #include <string>
+#include "../common/thrown_code.h"
 
 namespace {
 
@@ -137,18 +138,11 @@ TEST(CFindSignatureAlgPubKeyEnum, LooksUpThePairForTheWantedKey) {
 }
 
 TEST(CFindSignatureAlgorithmEnum, NullOidInAHandlerFails) {
-  auto thrown = [](auto&& f) -> HRESULT {
-    try {
-      f();
-    } catch (const ATL::CAtlException& e) {
-      return e.m_hr;
-    }
-    return 0;
-  };
+  using korvextest::CodeOf;
   ATL2::CFindSignatureAlgorithmEnum hashes(kSha256, kRsa);
-  EXPECT_EQ(kFail, thrown([&] { hashes.OnHashAlg(nullptr, L"x", CALG_SHA_256); }));
+  EXPECT_EQ(kFail, CodeOf([&] { hashes.OnHashAlg(nullptr, L"x", CALG_SHA_256); }));
   ATL2::CFindSignatureAlgPubKeyEnum keys(CALG_SHA_256, kRsa);
-  EXPECT_EQ(kFail, thrown([&] { keys.OnPubKeyAlg(nullptr, L"x", CALG_RSA_KEYX, 0); }));
+  EXPECT_EQ(kFail, CodeOf([&] { keys.OnPubKeyAlg(nullptr, L"x", CALG_RSA_KEYX, 0); }));
   // A null wanted OID is the empty text: it matches nothing.
   ATL2::CFindSignatureAlgorithmEnum nullHash(nullptr, kRsa);
   EXPECT_TRUE(nullHash.Enum());

@@ -256,12 +256,7 @@ TEST(OcspListIDTest, NothingLeaksUnderAllocationFailures) {
   hashed.put_ocspRepHash(&hash);
   list.push_back(hashed);
   list.push_back(COcspResponsesID(ByKey(Noon())));
-  CBlob der = list.encode();
-  ExpectCleanUnderFaults([&] { list.encode(); });
-  ExpectCleanUnderFaults([&] {
-    COcspListID back;
-    back.decode(der);
-  });
+  ExpectCodecCleanUnderFaults(list);
 }
 
 }  // namespace

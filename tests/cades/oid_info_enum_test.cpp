@@ -11,6 +11,7 @@
 #include <functional>
 #include <string>
 #include <vector>
+#include "../common/thrown_code.h"
 
 namespace {
 
@@ -129,14 +130,7 @@ class Recorder<ATL2::CTemplateOidEnum> : public ATL2::CTemplateOidEnum, public C
   }
 };
 
-HRESULT Thrown(const std::function<void()>& f) {
-  try {
-    f();
-  } catch (const ATL::CAtlException& e) {
-    return e.m_hr;
-  }
-  return 0;
-}
+using korvextest::CodeOf;
 
 constexpr HRESULT kFail = static_cast<HRESULT>(0x80004005u);
 
@@ -295,11 +289,11 @@ TEST(OidInfoEnum, NullEntryOrEnumeratorFails) {
   COidInfoEnum* all[] = {&hashes,     &ciphers, &keys,     &signatures, &rdn,
                          &extensions, &usages,  &policies, &templates};
   for (COidInfoEnum* e : all) {
-    EXPECT_EQ(kFail, Thrown([&] { e->OnOidInfo(nullptr); }));
-    EXPECT_EQ(kFail, Thrown([&] { COidInfoEnum::EnumOIDInfoCallback(nullptr, e); }));
+    EXPECT_EQ(kFail, CodeOf([&] { e->OnOidInfo(nullptr); }));
+    EXPECT_EQ(kFail, CodeOf([&] { COidInfoEnum::EnumOIDInfoCallback(nullptr, e); }));
   }
   MadeEntry entry(0);
-  EXPECT_EQ(kFail, Thrown([&] { COidInfoEnum::EnumOIDInfoCallback(&entry.info, nullptr); }));
+  EXPECT_EQ(kFail, CodeOf([&] { COidInfoEnum::EnumOIDInfoCallback(&entry.info, nullptr); }));
 }
 
 // Thrower throws from its handler at the n-th call.
@@ -318,17 +312,17 @@ class Thrower : public ATL2::CHashAlgorithmOidEnum {
 
 TEST(OidInfoEnum, HandlerExceptionStopsTheWalkAndComesOutOfEnum) {
   Thrower thrower(2);
-  EXPECT_EQ(static_cast<HRESULT>(0x8009310Eu), Thrown([&] { thrower.Enum(); }));
+  EXPECT_EQ(static_cast<HRESULT>(0x8009310Eu), CodeOf([&] { thrower.Enum(); }));
   EXPECT_EQ(2u, thrower.calls);  // nothing after the throw
   // The object is usable again: the next walk starts clean.
   thrower.calls = 0;
-  EXPECT_EQ(static_cast<HRESULT>(0x8009310Eu), Thrown([&] { thrower.Enum(); }));
+  EXPECT_EQ(static_cast<HRESULT>(0x8009310Eu), CodeOf([&] { thrower.Enum(); }));
 
   // Called directly, the callback lets the exception through.
   Thrower direct(1);
   MadeEntry entry(0);
   EXPECT_EQ(static_cast<HRESULT>(0x8009310Eu),
-            Thrown([&] { COidInfoEnum::EnumOIDInfoCallback(&entry.info, &direct); }));
+            CodeOf([&] { COidInfoEnum::EnumOIDInfoCallback(&entry.info, &direct); }));
 }
 
 // Nested walks the same object in its first handler call.

@@ -48,6 +48,18 @@ inline std::string BytesToHex(const unsigned char* p, size_t n) {
   return out;
 }
 
+// HexDigits: n bytes at p as "020105" (lower-case digits, no separators),
+// the form the CryptoAPI tests compare with.
+inline std::string HexDigits(const unsigned char* p, size_t n) {
+  static const char kDigits[] = "0123456789abcdef";
+  std::string out;
+  for (size_t i = 0; i < n; ++i) {
+    out.push_back(kDigits[p[i] >> 4]);
+    out.push_back(kDigits[p[i] & 15]);
+  }
+  return out;
+}
+
 }  // namespace korvextest
 
 #endif

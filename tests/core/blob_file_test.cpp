@@ -13,6 +13,7 @@
 #include <korvex/platform/atl/atlexcept.h>
 
 #include "blob_test_util.h"
+#include "../common/thrown_code.h"
 
 using Korvex::CBlob;
 using namespace blob_test;
@@ -49,15 +50,7 @@ class BlobFileTest : public testing::Test {
   std::string dir_;
 };
 
-template <typename F>
-HRESULT CodeOf(F&& f) {
-  try {
-    f();
-  } catch (ATL::CAtlException const& e) {
-    return e.m_hr;
-  }
-  return S_OK;
-}
+using korvextest::CodeOf;
 
 TEST_F(BlobFileTest, WriteThenReadGivesExactBytes) {
   Bytes bytes{0x00, 0xFF, 0x0D, 0x0A, 0x1A, 0x00};

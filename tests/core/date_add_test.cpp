@@ -121,7 +121,7 @@ TEST(DateAdd, FailuresCarryTheirCodes) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
-    EXPECT_EQ(c.hr, thrownBy([&] { c.call(d); }));
+    EXPECT_EQ(c.hr, CodeOf([&] { c.call(d); }));
   }
 }
 

@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <string>
+#include "../common/thrown_code.h"
 
 namespace datetime_test {
 
@@ -45,16 +46,9 @@ inline Korvex::CDateTimeSpan spanOfTicks(uint64_t ticks) {
   return s + tick * static_cast<unsigned int>(ticks);
 }
 
-// The HRESULT that f throws as ATL::CAtlException, or 0 when it returns.
-template <typename F>
-HRESULT thrownBy(F&& f) {
-  try {
-    f();
-  } catch (ATL::CAtlException const& e) {
-    return e.m_hr;
-  }
-  return 0;
-}
+// CodeOf: the HRESULT that f throws as ATL::CAtlException, 0 when it
+// returns (tests/common).
+using korvextest::CodeOf;
 
 // Sets TZ for the lifetime of the object and restores the previous value.
 class ScopedTimeZone {

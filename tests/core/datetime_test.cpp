@@ -51,7 +51,7 @@ TEST(DateTimeConstruct, FromSystemTime) {
   st.wDayOfWeek = 6;  // wrong on purpose: ignored
   EXPECT_EQ(133536816000000000ull, ticksOf(CDateTime(st)));
   st.wMonth = 13;
-  EXPECT_EQ(kInvalidParameter, thrownBy([&] { CDateTime d(st); }));
+  EXPECT_EQ(kInvalidParameter, CodeOf([&] { CDateTime d(st); }));
 }
 
 TEST(DateTimeConstruct, FromFieldsAddsMicroseconds) {
@@ -86,7 +86,7 @@ TEST(DateTimeConstruct, FromFieldsRefusedByCalendarThrowsLastError) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
-    EXPECT_EQ(kInvalidParameter, thrownBy([&] {
+    EXPECT_EQ(kInvalidParameter, CodeOf([&] {
                 CDateTime d(c.f[0], c.f[1], c.f[2], c.f[3], c.f[4], c.f[5], c.f[6], c.f[7]);
               }));
   }
@@ -203,11 +203,11 @@ TEST(DateTimeArithmetic, DateAndSpan) {
 TEST(DateTimeArithmetic, BelowZeroThrowsFail) {
   const CDateTime early = dateOf(1000);
   const CDateTime late = dateOf(2000);
-  EXPECT_EQ(0, thrownBy([&] { (void)(late - early); }));
-  EXPECT_EQ(kFail, thrownBy([&] { (void)(early - late); }));
-  EXPECT_EQ(kFail, thrownBy([&] { (void)(early - CDateTimeSpan(0u, 101u)); }));
+  EXPECT_EQ(0, CodeOf([&] { (void)(late - early); }));
+  EXPECT_EQ(kFail, CodeOf([&] { (void)(early - late); }));
+  EXPECT_EQ(kFail, CodeOf([&] { (void)(early - CDateTimeSpan(0u, 101u)); }));
   CDateTime e(early);
-  EXPECT_EQ(kFail, thrownBy([&] { e -= CDateTimeSpan(0u, 101u); }));
+  EXPECT_EQ(kFail, CodeOf([&] { e -= CDateTimeSpan(0u, 101u); }));
   EXPECT_EQ(1000u, ticksOf(e));  // unchanged after the throw
   EXPECT_EQ(0u, ticksOf(early - CDateTimeSpan(0u, 100u)));
 }
@@ -282,9 +282,9 @@ TEST(DateTimeSpanArithmetic, Operators) {
 TEST(DateTimeSpanArithmetic, NegativeDifferenceThrowsFail) {
   const CDateTimeSpan hour = CDateTimeSpan::OneHour();
   const CDateTimeSpan day = CDateTimeSpan::OneDay();
-  EXPECT_EQ(kFail, thrownBy([&] { (void)(hour - day); }));
+  EXPECT_EQ(kFail, CodeOf([&] { (void)(hour - day); }));
   CDateTimeSpan h = hour;
-  EXPECT_EQ(kFail, thrownBy([&] { h -= day; }));
+  EXPECT_EQ(kFail, CodeOf([&] { h -= day; }));
   EXPECT_EQ(kTicksPerHour, ticksOf(h));
   EXPECT_EQ(0u, ticksOf(hour - hour));
 }

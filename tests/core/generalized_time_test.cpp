@@ -89,14 +89,14 @@ TEST(GeneralizedTimeToTm, NonDigitInAReadFieldThrowsInvalidTime) {
        }) {
     SCOPED_TRACE(text);
     unsigned fraction = 0;
-    EXPECT_EQ(kInvalidTime, thrownBy([&] { GeneralizedTimeToTm(text, fraction, false); }));
-    EXPECT_EQ(kInvalidTime, thrownBy([&] { CDateTime d(text); }));
-    EXPECT_EQ(kInvalidTime, thrownBy([&] { CDateTimeSpan s(text); }));
+    EXPECT_EQ(kInvalidTime, CodeOf([&] { GeneralizedTimeToTm(text, fraction, false); }));
+    EXPECT_EQ(kInvalidTime, CodeOf([&] { CDateTime d(text); }));
+    EXPECT_EQ(kInvalidTime, CodeOf([&] { CDateTimeSpan s(text); }));
   }
   // Text too short to hold a field is never examined there.
   unsigned fraction = 0;
-  EXPECT_EQ(0, thrownBy([&] { GeneralizedTimeToTm("2024022", fraction, true); }));
-  EXPECT_EQ(0, thrownBy([&] { GeneralizedTimeToTm("x", fraction, true); }));
+  EXPECT_EQ(0, CodeOf([&] { GeneralizedTimeToTm("2024022", fraction, true); }));
+  EXPECT_EQ(0, CodeOf([&] { GeneralizedTimeToTm("x", fraction, true); }));
 }
 
 TEST(DateTimeFromText, ExactTicks) {
@@ -127,9 +127,9 @@ TEST(DateTimeFromText, FieldsTheCalendarRefusesThrowFail) {
        {"2024", "", "2024022", "202402", "20240230", "20231301", "20240001", "16001231235959Z",
         "00000101", "20240229240000", "20240229126000", "20240229120060"}) {
     SCOPED_TRACE(text);
-    EXPECT_EQ(kFail, thrownBy([&] { CDateTime d(text); }));
+    EXPECT_EQ(kFail, CodeOf([&] { CDateTime d(text); }));
   }
-  EXPECT_EQ(kFail, thrownBy([&] { CDateTime d(static_cast<char const*>(nullptr)); }));
+  EXPECT_EQ(kFail, CodeOf([&] { CDateTime d(static_cast<char const*>(nullptr)); }));
 }
 
 TEST(DateTimeToText, GeneralizedTimeTrimsTheFraction) {
@@ -201,7 +201,7 @@ TEST(DateTimeToText, BeyondCalendarRethrowsTheCurrentException) {
     try {
       throw ATL::CAtlException(inFlight);
     } catch (ATL::CAtlException const&) {
-      const HRESULT hr = thrownBy([&] {
+      const HRESULT hr = CodeOf([&] {
         switch (which) {
           case 0:
             huge.getGeneralizedTime();
@@ -284,7 +284,7 @@ TEST(DateTimeSpanToText, TrimRunsThroughThePoint) {
     EXPECT_EQ(std::wstring(narrow.begin(), narrow.end()), s.towstring().c_str());
   }
   // The trimmed text of 10 s has a one-digit seconds field: it does not read back.
-  EXPECT_EQ(kInvalidTime, thrownBy([] { CDateTimeSpan s("0000000000001Z"); }));
+  EXPECT_EQ(kInvalidTime, CodeOf([] { CDateTimeSpan s("0000000000001Z"); }));
 }
 
 }  // namespace

@@ -4,17 +4,11 @@
 
 #include <korvex/platform/atl/atlexcept.h>
 #include <korvex/platform/win32/errhandlingapi.h>
+#include "../common/thrown_code.h"
 
 namespace {
 
-HRESULT thrownBy(void (*f)()) {
-  try {
-    f();
-  } catch (ATL::CAtlException const& e) {
-    return e.m_hr;
-  }
-  return 0;
-}
+using korvextest::CodeOf;
 
 TEST(AtlException, CarriesCodeAndConvertsToHresult) {
   ATL::CAtlException e(static_cast<HRESULT>(0x80093101u));
@@ -31,7 +25,7 @@ TEST(AtlException, ThrowLastWin32MapsPositiveErrorsAndKeepsOthers) {
   for (auto const& c : cases) {
     SCOPED_TRACE(c.last);
     SetLastError(c.last);
-    EXPECT_EQ(static_cast<HRESULT>(c.thrown), thrownBy([] { ATL::AtlThrowLastWin32(); }));
+    EXPECT_EQ(static_cast<HRESULT>(c.thrown), CodeOf([] { ATL::AtlThrowLastWin32(); }));
   }
 }
 

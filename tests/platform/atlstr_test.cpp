@@ -5,6 +5,7 @@
 #include <utility>
 
 #include <korvex/platform/atl/atlstr.h>
+#include "../common/thrown_code.h"
 
 using ATL::CStringA;
 
@@ -12,15 +13,7 @@ namespace {
 
 std::string Text(CStringA const& s) { return std::string(s.GetString(), s.GetLength()); }
 
-template <typename F>
-HRESULT CodeOf(F&& f) {
-  try {
-    f();
-  } catch (ATL::CAtlException const& e) {
-    return e.m_hr;
-  }
-  return S_OK;
-}
+using korvextest::CodeOf;
 
 TEST(CStringA, ConstructionCopiesAndNeverHandsOutNull) {
   CStringA empty;

@@ -7,6 +7,7 @@
 #include <set>
 #include <memory>
 
+#include "../common/der_edit.h"
 #include "capi_test_util.h"
 
 namespace {
@@ -25,80 +26,15 @@ const char kTimeStampTokenOid[] = "1.2.840.113549.1.9.16.2.14";
 // SHA-256 of cms/content.txt.
 const char kContentDigest[] = "f673905fceb6aef291bf2d8f19a884e73b4962f768f924fc5908e3ec72227065";
 
-// ---------------------------------------------------------------- DER tree
-
-// Node is a definite-length DER element: primitive content or children.
-struct Node {
-  BYTE tag = 0;
-  std::vector<BYTE> content;
-  std::vector<Node> children;
-  bool constructed() const { return (tag & 0x20) != 0; }
-};
-
-bool ParseNodes(const BYTE* data, size_t size, std::vector<Node>* out) {
-  size_t pos = 0;
-  while (pos < size) {
-    if (size - pos < 2) return false;
-    Node node;
-    node.tag = data[pos];
-    size_t length = data[pos + 1];
-    size_t header = 2;
-    if (length & 0x80) {
-      size_t count = length & 0x7F;
-      if (count == 0 || count > 4 || size - pos < 2 + count) return false;
-      length = 0;
-      for (size_t i = 0; i < count; ++i) length = (length << 8) | data[pos + 2 + i];
-      header += count;
-    }
-    if (length > size - pos - header) return false;
-    const BYTE* body = data + pos + header;
-    if (node.constructed()) {
-      if (!ParseNodes(body, length, &node.children)) return false;
-    } else {
-      node.content.assign(body, body + length);
-    }
-    out->push_back(std::move(node));
-    pos += header + length;
-  }
-  return true;
-}
-
-void Serialize(const Node& node, std::vector<BYTE>* out) {
-  std::vector<BYTE> body;
-  if (node.constructed()) {
-    for (const Node& child : node.children) Serialize(child, &body);
-  } else {
-    body = node.content;
-  }
-  out->push_back(node.tag);
-  size_t length = body.size();
-  if (length < 0x80) {
-    out->push_back(static_cast<BYTE>(length));
-  } else {
-    std::vector<BYTE> bytes;
-    for (size_t v = length; v != 0; v >>= 8) bytes.insert(bytes.begin(), static_cast<BYTE>(v));
-    out->push_back(static_cast<BYTE>(0x80 | bytes.size()));
-    out->insert(out->end(), bytes.begin(), bytes.end());
-  }
-  out->insert(out->end(), body.begin(), body.end());
-}
-
 // WithTimeStamp adds the unsigned attribute id-aa-signatureTimeStampToken
-// (RFC 5126 6.1.1) holding `token` to the first signer of a SignedData.
+// (RFC 5126 6.1.1) holding `token` to the first signer of a SignedData:
+// ContentInfo [0] SignedData, signerInfos (last), first SignerInfo.
 std::vector<BYTE> WithTimeStamp(const std::vector<BYTE>& message, const std::vector<BYTE>& token) {
-  std::vector<Node> top;
-  if (!ParseNodes(message.data(), message.size(), &top) || top.size() != 1) return {};
-  Node& signedData = top[0].children.at(1).children.at(0);
-  Node& signerInfo = signedData.children.back().children.at(0);
-  std::vector<Node> value;
-  if (!ParseNodes(token.data(), token.size(), &value)) return {};
-  Node oid{0x06, Unhex("2a864886f70d010910020e"), {}};
-  Node values{0x31, {}, value};
-  Node attribute{0x30, {}, {oid, values}};
-  signerInfo.children.push_back(Node{0xA1, {}, {attribute}});
-  std::vector<BYTE> out;
-  Serialize(top[0], &out);
-  return out;
+  using korvextest::Concat;
+  using korvextest::Encode;
+  const std::vector<BYTE> oid = Encode(0x06, Unhex("2a864886f70d010910020e"));
+  const std::vector<BYTE> attribute = Encode(0x30, Concat({oid, Encode(0x31, token)}));
+  return korvextest::AppendAt(message, {1, 0, -1, 0}, Encode(0xA1, attribute));
 }
 
 // ---------------------------------------------------------------- helpers
@@ -341,10 +277,10 @@ TEST(CapiMsg, UpdatesInPiecesAndBareContent) {
   EXPECT_EQ(0x80091001u, LastError());  // CRYPT_E_MSG_ERROR
 
   // With the type named, the SignedData may come without its ContentInfo.
-  std::vector<Node> top;
-  ASSERT_TRUE(ParseNodes(message.data(), message.size(), &top));
-  std::vector<BYTE> bare;
-  Serialize(top[0].children.at(1).children.at(0), &bare);
+  // ContentInfo: contentType, [0] EXPLICIT SignedData.
+  using korvextest::Children;
+  using korvextest::ContentOf;
+  std::vector<BYTE> bare = Children(ContentOf(Children(ContentOf(message)).at(1))).at(0);
   Msg named = Decode(bare, CMSG_SIGNED);
   ASSERT_TRUE(named);
   EXPECT_EQ(Content(), Param(named.get(), CMSG_CONTENT_PARAM, 0));

@@ -7,6 +7,8 @@
 #include <korvex/platform/win32/stringapiset.h>
 #include <korvex/platform/win32/winerror.h>
 
+#include "../common/locale_scope.h"
+
 namespace {
 
 constexpr DWORD kUntouched = 0xC0DEu;  // last error a successful call must leave alone
@@ -44,20 +46,7 @@ Outcome ToBytes(UINT codePage, DWORD flags, const std::wstring& in) {
   return {got, GetLastError(), {}, out};
 }
 
-// Switches the C locale for one test and restores the previous one.
-class LocaleScope {
- public:
-  explicit LocaleScope(const char* name) {
-    saved_ = std::setlocale(LC_ALL, nullptr);
-    ok_ = std::setlocale(LC_ALL, name) != nullptr;
-  }
-  ~LocaleScope() { std::setlocale(LC_ALL, saved_.c_str()); }
-  bool ok() const { return ok_; }
-
- private:
-  std::string saved_;
-  bool ok_;
-};
+using korvextest::LocaleScope;
 
 // Code points at every boundary of the UTF-8 length classes (RFC 3629 3).
 struct Boundary {

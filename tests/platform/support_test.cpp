@@ -18,6 +18,8 @@
 
 #include <korvex/platform/support/support.h>
 
+#include "../common/locale_scope.h"
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -518,18 +520,7 @@ TEST_F(TraceTest, ConcurrentWritersKeepLinesWhole) {
 
 // ---------------------------------------------------------------- safe_wcsrtombs
 
-class LocaleScope {
- public:
-  explicit LocaleScope(const char* name) : saved_(std::setlocale(LC_ALL, nullptr)) {
-    ok_ = std::setlocale(LC_ALL, name) != nullptr;
-  }
-  ~LocaleScope() { std::setlocale(LC_ALL, saved_.c_str()); }
-  bool ok() const { return ok_; }
-
- private:
-  std::string saved_;
-  bool ok_;
-};
+using korvextest::LocaleScope;
 
 TEST(SafeWcsrtombs, StopsBeforeACharacterThatDoesNotFit) {
   LocaleScope locale("C.UTF-8");

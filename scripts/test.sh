@@ -1,7 +1,10 @@
 #!/usr/bin/env bash
 # Builds and runs every test: a release build, the same tests under
 # AddressSanitizer + UndefinedBehaviorSanitizer (clang, which also builds the
-# libFuzzer targets), then a short run of each fuzz target.
+# libFuzzer targets), then a short run of each fuzz target. Longer checks have
+# scripts of their own (docs/coverage.md): coverage.sh (line coverage of the
+# ASN.1 runtime), tsan.sh (the threads test under ThreadSanitizer) and
+# valgrind.sh (memcheck over every test binary).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/deps.sh

@@ -12,7 +12,8 @@ namespace Fuzz {
 
 // Decodes data as a value of desc. When it decodes: the value re-encodes; the
 // encoding equals the input element when the input was DER (the encoding of
-// the first decode decodes and re-encodes to itself); a deep copy encodes the
+// the first decode decodes and re-encodes to itself, and to a value equal to
+// the first one, compared member by member); a deep copy encodes the
 // same; and free gives back every heap block decode and copy took. Any breach
 // aborts.
 void CheckRoundTrip(const Asn1Engine::TypeDesc* desc, const uint8_t* data, size_t size);

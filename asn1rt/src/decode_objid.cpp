@@ -15,7 +15,22 @@ int xd_objid(ASN1CTXT* ctxt, ASN1OBJID* oid, ASN1TagType tagging, int length) {
   const ASN1OCTET* p = ctxt->buffer.data + ctxt->buffer.byteIndex;
   const ASN1OCTET* end = p + length;
   ASN1UINT n = 0;
+  // The first octet alone is the first sub-identifier in nearly every OID
+  // (both arcs below 128 together): taken before the general loop.
+  if (*p < 0x80) {
+    const ASN1UINT v = *p++;
+    const ASN1UINT first = v < 40 ? 0 : v < 80 ? 1 : 2;
+    oid->subid[0] = first;
+    oid->subid[1] = v - 40u * first;
+    n = 2;
+  }
   while (p < end) {
+    // Most later sub-identifiers are one octet: stored without the loop.
+    if (n >= 2 && *p < 0x80) {
+      if (n >= ASN_K_MAXSUBIDS) return Fail(ctxt, ASN_E_INVOBJID);
+      oid->subid[n++] = *p++;
+      continue;
+    }
     // A sub-identifier must not start with 0x80 (X.690 8.19.2) and must fit
     // in 32 bits.
     if (*p == 0x80) return Fail(ctxt, ASN_E_INVOBJID);

@@ -13,6 +13,35 @@ int xd_OpenType(ASN1CTXT* ctxt, const ASN1OCTET** data, ASN1UINT* numocts) {
   if (!data || !numocts) return Fail(ctxt, ASN_E_BADVALUE);
   const ASN1UINT start = ctxt->buffer.byteIndex;
   if (start >= ctxt->buffer.size) return Fail(ctxt, ASN_E_ENDOFBUF);
+  const ASN1OCTET* src = ctxt->buffer.data + start;
+  // The common DER form measured in place: a one-octet tag, a definite length
+  // of up to three octets, the element inside the buffer and not 00 00. Every
+  // other form, and every error, takes the general path below.
+  const ASN1UINT left = ctxt->buffer.size - start;
+  if (!(ctxt->flags & ASN1INDEFLEN) && left >= 2 && (src[0] & 0x1F) != 0x1F && src[1] != 0x80 &&
+      (src[0] | src[1]) != 0) {
+    ASN1UINT len = src[1], header = 2;
+    if (len > 0x80) {
+      const ASN1UINT octets = len & 0x7F;
+      header = octets <= 3 && left >= 2 + octets ? 2 + octets : 0;
+      len = 0;
+      for (ASN1UINT i = 2; i < header; ++i) len = (len << 8) | src[i];
+    }
+    if (header && len <= left - header) {
+      const ASN1UINT total = header + len;
+      if (ctxt->flags & ASN1OPENTYPEREF) {
+        *data = src;
+      } else {
+        auto* copy = static_cast<ASN1OCTET*>(rtMemAlloc(ctxt, total));
+        if (!copy) return Fail(ctxt, ASN_E_NOMEM);
+        std::memcpy(copy, src, total);
+        *data = copy;
+      }
+      *numocts = total;
+      ctxt->buffer.byteIndex = start + total;
+      return ASN_OK;
+    }
+  }
   // Lengths are checked here (-17 for an element longer than the buffer).
   ASN1USINT savedFlags = ctxt->flags;
   ctxt->flags |= ASN1NOLENCHECK;
@@ -39,7 +68,6 @@ int xd_OpenType(ASN1CTXT* ctxt, const ASN1OCTET** data, ASN1UINT* numocts) {
     ctxt->buffer.byteIndex += static_cast<ASN1UINT>(len);
   }
   const ASN1UINT total = ctxt->buffer.byteIndex - start;
-  const ASN1OCTET* src = ctxt->buffer.data + start;
   if (ctxt->flags & ASN1OPENTYPEREF) {
     *data = src;
   } else {

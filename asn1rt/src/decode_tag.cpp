@@ -273,6 +273,26 @@ int xd_setp(ASN1CTXT* ctxt, const ASN1OCTET* buffer, int size, ASN1TAG* tag, int
   int stat = rtInitContextBuffer(ctxt, const_cast<ASN1OCTET*>(buffer), bufSize);
   if (stat != ASN_OK) return stat;
   ctxt->flags = static_cast<ASN1USINT>(ctxt->flags & ~(ASN1LASTEOC | ASN1INDEFLEN));
+  // The common DER form, read in place: a one-octet tag and a definite length
+  // of up to four octets whose element fits in the size given. Every other
+  // form, and every error, takes the general path below.
+  if (sizeGiven && bufSize >= 2 && (buffer[0] & 0x1F) != 0x1F && buffer[1] != 0x80) {
+    unsigned long long contents = buffer[1];
+    ASN1UINT header = 2;
+    if (contents > 0x80) {
+      const ASN1UINT octets = static_cast<ASN1UINT>(contents & 0x7F);
+      header = octets <= 4 && bufSize >= 2 + octets ? 2 + octets : 0;
+      contents = 0;
+      for (ASN1UINT i = 2; i < header; ++i) contents = (contents << 8) | buffer[i];
+    }
+    const unsigned long long total = header + contents;
+    if (header && contents <= 0x7FFFFFFFull && total <= bufSize) {
+      ctxt->buffer.size = static_cast<ASN1UINT>(total);
+      if (tag) *tag = (static_cast<ASN1TAG>(buffer[0] & 0xE0) << 24) | (buffer[0] & 0x1Fu);
+      if (length) *length = static_cast<int>(total);
+      return ASN_OK;
+    }
+  }
   ASN1TAG t;
   int len;
   bool cons;

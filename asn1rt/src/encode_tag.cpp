@@ -45,6 +45,25 @@ int xe_len(ASN1CTXT* ctxt, int length) {
 int xe_tag_len(ASN1CTXT* ctxt, ASN1TAG tag, int length) {
   // A negative length is the contents' failure status, passed on unchanged.
   if (length < 0 && length != ASN_K_INDEFLEN) return length;
+  // The common case written in place: a one-octet tag and a definite length
+  // below 65536 (at most four octets in all) with room in front.
+  if (length >= 0 && length < 0x10000 && (tag & TM_IDMASK) < 31 && ctxt->buffer.byteIndex >= 4) {
+    ASN1OCTET* p = ctxt->buffer.data + ctxt->buffer.byteIndex;
+    if (length < 0x80) {
+      *--p = static_cast<ASN1OCTET>(length);
+    } else if (length < 0x100) {
+      *--p = static_cast<ASN1OCTET>(length);
+      *--p = 0x81;
+    } else {
+      *--p = static_cast<ASN1OCTET>(length);
+      *--p = static_cast<ASN1OCTET>(length >> 8);
+      *--p = 0x82;
+    }
+    *--p = static_cast<ASN1OCTET>(((tag >> 24) & 0xE0) | (tag & TM_IDMASK));
+    const int n = static_cast<int>(ctxt->buffer.data + ctxt->buffer.byteIndex - p);
+    ctxt->buffer.byteIndex -= static_cast<ASN1UINT>(n);
+    return n + length;
+  }
   ASN1OCTET tmp[16];
   int n = korvex_rt::PutHeaderBackwards(tmp + sizeof(tmp), tag, length);
   if (length > INT_MAX - n) return Fail(ctxt, ASN_E_BUFOVFLW);

@@ -37,11 +37,27 @@ inline bool readHeader(const ASN1CTXT* ctxt, ASN1TAG* tag, int* length, ASN1UINT
   return true;
 }
 
+// The header remembered by peekTag when the cursor has not moved since.
+inline bool takePeeked(const Walk& w, const ASN1CTXT* ctxt, ASN1TAG* tag, int* length,
+                       ASN1UINT* headerLength) {
+  const Walk::Peeked& p = w.peeked;
+  if (p.data != ctxt->buffer.data || p.index != ctxt->buffer.byteIndex ||
+      p.size != ctxt->buffer.size || !p.data) {
+    return false;
+  }
+  *tag = p.tag;
+  *length = p.length;
+  *headerLength = p.headerLength;
+  return true;
+}
+
 // Reads the expected tag and its length; -3 (recorded) when another tag is next.
-int matchTag(ASN1CTXT* ctxt, ASN1TAG tag, int* length) {
+int matchTag(Walk& w, ASN1TAG tag, int* length) {
+  ASN1CTXT* ctxt = w.ctxt;
   ASN1TAG t;
   ASN1UINT h;
-  if (readHeader(ctxt, &t, length, &h) && ((t ^ tag) & ~TM_CONS) == 0) {
+  if ((takePeeked(w, ctxt, &t, length, &h) || readHeader(ctxt, &t, length, &h)) &&
+      ((t ^ tag) & ~TM_CONS) == 0) {
     ctxt->buffer.byteIndex += h;
     if (t & TM_CONS) {
       ctxt->flags |= ASN1CONSTAG;
@@ -55,10 +71,15 @@ int matchTag(ASN1CTXT* ctxt, ASN1TAG tag, int* length) {
 }
 
 // The tag of the next element, without moving the cursor.
-int peekTag(ASN1CTXT* ctxt, ASN1TAG* tag) {
+int peekTag(Walk& w, ASN1TAG* tag) {
+  ASN1CTXT* ctxt = w.ctxt;
   int len;
   ASN1UINT h;
-  if (readHeader(ctxt, tag, &len, &h)) return 0;
+  if (takePeeked(w, ctxt, tag, &len, &h)) return 0;
+  if (readHeader(ctxt, tag, &len, &h)) {
+    w.peeked = {ctxt->buffer.data, ctxt->buffer.size, ctxt->buffer.byteIndex, *tag, len, h};
+    return 0;
+  }
   int stat = xd_tag_len(ctxt, tag, &len, 0);
   return stat < 0 ? fail(ctxt, stat) : 0;
 }
@@ -118,7 +139,7 @@ int decodeMember(Walk& w, const MemberDesc* m, void* rec) {
   }
   if (!m->tag) return decodeValue(w, m->type, value, ASN1EXPL, 0);
   int len;
-  int stat = matchTag(ctxt, m->tag, &len);
+  int stat = matchTag(w, m->tag, &len);
   if (stat < 0) return stat;
   if (m->flags & kExplicit) return decodeWrapped(w, m->type, value, len);
   return decodeValue(w, m->type, value, ASN1IMPL, len);
@@ -139,13 +160,15 @@ int decodeDefault(Walk& w, const MemberDesc* m, void* rec) {
 int decodeSequence(Walk& w, const TypeDesc* d, void* rec, int length) {
   ASN1CTXT* ctxt = w.ctxt;
   ASN1UINT start = ctxt->buffer.byteIndex;
+  bool tables = false;  // whether a member is table-constrained (noted on the way)
   for (unsigned i = 0; i < d->memberCount; ++i) {
     const MemberDesc* m = &d->members[i];
+    tables = tables || m->table;
     bool mandatory = m->presence < 0;
     bool matched = false;
     if (!atEnd(ctxt, start, length)) {
       ASN1TAG tag;
-      int stat = peekTag(ctxt, &tag);
+      int stat = peekTag(w, &tag);
       if (stat < 0) return stat;
       matched = memberMatches(m, tag);
       if (!matched && mandatory) return fail(ctxt, ASN_E_IDNOTFOU);
@@ -174,7 +197,7 @@ int decodeSequence(Walk& w, const TypeDesc* d, void* rec, int length) {
   }
   int stat = closeElement(ctxt, start, length);
   if (stat < 0) return stat;
-  return hasTables(d) ? decodeTablesOf(w, d, rec) : 0;
+  return tables ? decodeTablesOf(w, d, rec) : 0;
 }
 
 int decodeSet(Walk& w, const TypeDesc* d, void* rec, int length) {
@@ -189,7 +212,7 @@ int decodeSet(Walk& w, const TypeDesc* d, void* rec, int length) {
   int stat = 0;
   while (stat >= 0 && !atEnd(ctxt, start, length)) {
     ASN1TAG tag;
-    stat = peekTag(ctxt, &tag);
+    stat = peekTag(w, &tag);
     if (stat < 0) break;
     unsigned i = 0;
     while (i < d->memberCount && !memberMatches(&d->members[i], tag)) ++i;
@@ -230,7 +253,7 @@ int decodeSet(Walk& w, const TypeDesc* d, void* rec, int length) {
 int decodeChoice(Walk& w, const TypeDesc* d, void* rec) {
   ASN1CTXT* ctxt = w.ctxt;
   ASN1TAG tag;
-  int stat = peekTag(ctxt, &tag);
+  int stat = peekTag(w, &tag);
   if (stat < 0) return stat;
   int index = choiceIndex(d, tag);
   if (index < 0) {
@@ -245,6 +268,36 @@ int decodeChoice(Walk& w, const TypeDesc* d, void* rec) {
   }
   store<ASN1UINT>(at(rec, d->off1), static_cast<ASN1UINT>(index) + 1u);
   return decodeMember(w, &d->members[index], rec);
+}
+
+// The number of elements in the next length octets when all of them are in
+// the common DER form (one-octet tags, definite lengths of up to three octets,
+// all inside the range): one pass over the headers, in place. False leaves
+// every other case, malformed ones included, to xd_count and its statuses.
+bool countElements(const ASN1CTXT* ctxt, int length, int* count) {
+  if (length < 0 || (ctxt->flags & ASN1INDEFLEN)) return false;
+  const ASN1UINT start = ctxt->buffer.byteIndex;
+  if (start > ctxt->buffer.size || static_cast<ASN1UINT>(length) > ctxt->buffer.size - start) {
+    return false;
+  }
+  const ASN1OCTET* d = ctxt->buffer.data + start;
+  const ASN1UINT end = static_cast<ASN1UINT>(length);
+  int n = 0;
+  for (ASN1UINT at = 0; at < end; ++n) {
+    if (end - at < 2 || d[at] == 0 || (d[at] & 0x1F) == 0x1F) return false;
+    ASN1UINT len = d[at + 1], h = 2;
+    if (len & 0x80) {
+      const ASN1UINT octets = len & 0x7F;
+      if (octets == 0 || octets > 3 || end - at < 2 + octets) return false;
+      len = 0;
+      for (ASN1UINT i = 0; i < octets; ++i) len = (len << 8) | d[at + 2 + i];
+      h = 2 + octets;
+    }
+    if (len > end - at - h) return false;
+    at += h + len;
+  }
+  *count = n;
+  return true;
 }
 
 int decodeList(Walk& w, const TypeDesc* d, void* rec, int length) {
@@ -268,8 +321,11 @@ int decodeList(Walk& w, const TypeDesc* d, void* rec, int length) {
     count = list->count;
   } else {
     int n = 0;
-    int stat = xd_count(ctxt, length, &n);
-    if (stat < 0) return fail(ctxt, stat);
+    if (!countElements(ctxt, length, &n)) {
+      int stat = xd_count(ctxt, length, &n);
+      if (stat < 0) return fail(ctxt, stat);
+    }
+    int stat = 0;
     if (n > 0) {
       // Each element takes at least two octets, so n is bounded by the input.
       unsigned long long bytes = static_cast<unsigned long long>(n) * elem->size;
@@ -423,7 +479,7 @@ int decodeValue(Walk& w, const TypeDesc* d, void* v, ASN1TagType tagging, int le
     case kTagged: {
       int len = length;
       if (tagging == ASN1EXPL) {
-        int stat = matchTag(ctxt, d->tag, &len);
+        int stat = matchTag(w, d->tag, &len);
         if (stat < 0) return stat;
       }
       if (d->flags & kExplicitTag) return decodeWrapped(w, d->inner, v, len);
@@ -434,7 +490,7 @@ int decodeValue(Walk& w, const TypeDesc* d, void* v, ASN1TagType tagging, int le
   }
   int len = length;
   if (tagging == ASN1EXPL) {
-    int stat = matchTag(ctxt, d->tag, &len);
+    int stat = matchTag(w, d->tag, &len);
     if (stat < 0) return stat;
   }
   return decodeContents(w, d, v, len);

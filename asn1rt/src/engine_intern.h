@@ -14,11 +14,24 @@ namespace detail {
 // One walk over a value: the context and the current nesting of constructed
 // types, bounded by ASN_K_MAXDEPTH so that no input or record exhausts the stack.
 struct Walk {
+  Walk(ASN1CTXT* c, int d) : ctxt(c), depth(d) {}
   ASN1CTXT* ctxt;
   int depth;
   // While a table-constrained member is encoded: the type its object gives to
   // the open type(s) of the member (null otherwise, and inside that type).
   const TypeDesc* openType = nullptr;
+  // The decoder's last look at an identifier and length in their common form
+  // (engine_decode.cpp): a SEQUENCE peeks at each element's tag to pick its
+  // component, and the component's decoder then takes the header from here
+  // instead of reading it again. Valid for that buffer and cursor only.
+  struct Peeked {
+    const ASN1OCTET* data = nullptr;
+    ASN1UINT size = 0;
+    ASN1UINT index = 0;
+    ASN1TAG tag = 0;
+    int length = 0;
+    ASN1UINT headerLength = 0;
+  } peeked;
 };
 
 // Enters one constructed level; false (with -34 recorded) beyond the bound.

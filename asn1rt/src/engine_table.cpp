@@ -1,6 +1,9 @@
 // engine_table.cpp: information objects, object sets and table-constrained
 // open types (X.681 11-12, X.682 10): the typed value of an open type is
 // encoded, decoded, copied and freed through the object its key selects.
+#include <cstddef>
+#include <cstdint>
+
 #include "engine_intern.h"
 
 namespace Korvex {
@@ -42,13 +45,42 @@ const InfoObject* search(const InfoObject* const* objects, unsigned count, Cmp c
   return nullptr;
 }
 
+// The objects found last, per thread: a certificate, CRL or signature looks up
+// the same few keys again and again (name attributes, extensions, algorithms),
+// and each binary-search step chases two pointers into scattered keys. A hit
+// costs one hash and one comparison with the object's key; a miss searches
+// and remembers. Sets are process-wide constants, so entries never go stale.
+struct CachedLookup {
+  const ObjectSet* set;
+  const InfoObject* object;
+};
+constexpr unsigned kLookupCacheSize = 256;
+thread_local CachedLookup t_lookupCache[kLookupCacheSize];
+
+// The set, the arc count and the last three arcs, where the keys of one set
+// differ (the slot is checked against the whole key anyway).
+unsigned hashOid(const ObjectSet* set, const ASN1OBJID& id) {
+  std::size_t h = reinterpret_cast<std::uintptr_t>(set) >> 4;
+  h = h * 31u + id.numids;
+  for (ASN1UINT i = id.numids > 3 ? id.numids - 3 : 0; i < id.numids; ++i) {
+    h = h * 31u + id.subid[i];
+  }
+  return static_cast<unsigned>(h ^ (h >> 11) ^ (h >> 23)) % kLookupCacheSize;
+}
+
 }  // namespace
 
 const InfoObject* ObjectSet::lookup(const ASN1OBJID& id) const {
   if (keyKind != kKeyObjectId || id.numids > ASN_K_MAXSUBIDS) return nullptr;
-  return search(objects, count, [&id](const void* key) {
+  CachedLookup& slot = t_lookupCache[hashOid(this, id)];
+  if (slot.set == this && compareOid(*static_cast<const ASN1OBJID*>(slot.object->key), id) == 0) {
+    return slot.object;
+  }
+  const InfoObject* found = search(objects, count, [&id](const void* key) {
     return compareOid(*static_cast<const ASN1OBJID*>(key), id);
   });
+  if (found) slot = {this, found};
+  return found;
 }
 
 const InfoObject* ObjectSet::lookup(ASN1INT id) const {
@@ -75,6 +107,8 @@ int decodeWith(detail::Walk& w, const TypeDesc* type, const ASN1OCTET* data, ASN
   if (!v) return detail::fail(ctxt, ASN_E_NOMEM);
   ASN1CTXT saved;
   rtCopyContext(&saved, ctxt);
+  // A header peeked in an earlier buffer at this address is not this one's.
+  w.peeked = detail::Walk::Peeked();
   int stat = xd_setp(ctxt, data, static_cast<int>(numocts), nullptr, nullptr);
   if (stat < 0) {
     stat = detail::fail(ctxt, stat);
@@ -96,8 +130,11 @@ int decodeWith(detail::Walk& w, const TypeDesc* type, const ASN1OCTET* data, ASN
 }
 
 // Encodes value into a block of its own in the type heap (the caller's buffer
-// description is saved and restored). A work buffer from the type heap grows
-// by doubling until the encoding fits.
+// description is saved and restored). The work buffer is first a small one on
+// the stack, which holds most values (extension and attribute values, reason
+// codes), then blocks from the type heap that double until the encoding fits:
+// a large CRL re-encodes one value per entry, and a heap work block for each
+// would add half a kilobyte per entry to the heap.
 int encodeAside(detail::Walk& w, const TypeDesc* type, void* value, const ASN1OCTET** data,
                 ASN1UINT* numocts) {
   ASN1CTXT* ctxt = w.ctxt;
@@ -105,8 +142,11 @@ int encodeAside(detail::Walk& w, const TypeDesc* type, void* value, const ASN1OC
   rtCopyContext(&saved, ctxt);
   const int recorded = ctxt->errInfo.status;
   int len = ASN_E_BUFOVFLW;
-  for (ASN1UINT size = 512; len == ASN_E_BUFOVFLW && size && size < ASN1_MEMBLOCK_MAX; size *= 2) {
-    ASN1OCTET* work = static_cast<ASN1OCTET*>(rtMemAlloc(ctxt, size));
+  ASN1OCTET stackWork[256];
+  for (ASN1UINT size = sizeof stackWork; len == ASN_E_BUFOVFLW && size && size < ASN1_MEMBLOCK_MAX;
+       size *= 2) {
+    ASN1OCTET* work =
+        size == sizeof stackWork ? stackWork : static_cast<ASN1OCTET*>(rtMemAlloc(ctxt, size));
     if (!work) {
       len = ASN_E_NOMEM;
       break;
@@ -123,7 +163,7 @@ int encodeAside(detail::Walk& w, const TypeDesc* type, void* value, const ASN1OC
         *numocts = static_cast<ASN1UINT>(len);
       }
     }
-    rtMemFreePtr(ctxt, work);
+    if (work != stackWork) rtMemFreePtr(ctxt, work);
     if (len == ASN_E_BUFOVFLW) {
       // Not an error of the value: forget it and try a larger buffer.
       rtErrReset(&ctxt->errInfo);

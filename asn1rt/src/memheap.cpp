@@ -4,6 +4,13 @@
 // Every allocation is its own call to the allocation function (n + 48 bytes:
 // the block header, then the caller's bytes), so any block can be freed on its
 // own in O(1) and all of them at once when the last reference goes.
+//
+// A heap switched to carving (rtMemHeapSetCarving) cuts requests of up to
+// ASN1_HEAP_CARVE_MAX bytes from chunks instead: a chunk is an ordinary block
+// of the list, its carved blocks carry a 16-byte header (chunk, size), and the
+// chunk counts its live blocks so that it goes back to the free function when
+// the last of them is freed. Decoding a certificate then costs a handful of
+// allocation calls instead of one per field, and its blocks sit side by side.
 #include <cstdlib>
 #include <cstring>
 
@@ -15,11 +22,94 @@ rtMallocFunc g_malloc = rtDefaultMalloc;
 rtReallocFunc g_realloc = rtDefaultRealloc;
 rtFreeFunc g_free = rtDefaultFree;
 
+// Chunk sizes: 8 KB first (a small value fits), then doubling up to 1 MB so
+// that a certificate takes two chunks and a large CRL a few dozen.
+constexpr size_t kFirstChunk = 8192 - ASN1_MEMBLOCK_HEADER;
+constexpr unsigned kChunkDoublings = 7;
+
 inline ASN1MemBlock* BlockOf(const void* p) {
   return const_cast<ASN1MemBlock*>(reinterpret_cast<const ASN1MemBlock*>(p) - 1);
 }
 
+inline ASN1CarvedBlock* CarvedOf(const void* p) {
+  return const_cast<ASN1CarvedBlock*>(reinterpret_cast<const ASN1CarvedBlock*>(p) - 1);
+}
+
 inline void* PayloadOf(ASN1MemBlock* block) { return block + 1; }
+
+inline size_t Round16(size_t n) { return (n + 15) & ~static_cast<size_t>(15); }
+
+// One allocation of its own, linked in at the head of the list.
+void* AllocBlock(ASN1MemHeap* heap, size_t n) {
+  auto* block =
+      static_cast<ASN1MemBlock*>(g_malloc(heap->pAllocUserData, n + sizeof(ASN1MemBlock)));
+  if (!block) return nullptr;
+  block->chunk = nullptr;
+  block->size = n;
+  block->prev = nullptr;
+  block->next = heap->newest;
+  if (heap->newest) heap->newest->prev = block;
+  heap->newest = block;
+  return PayloadOf(block);
+}
+
+void FreeBlock(ASN1MemHeap* heap, ASN1MemBlock* block) {
+  if (block->next) block->next->prev = block->prev;
+  if (block->prev) {
+    block->prev->next = block->next;
+  } else {
+    heap->newest = block->next;
+  }
+  g_free(heap->pAllocUserData, block);
+}
+
+// A new chunk with room for at least need bytes; it becomes the heap's chunk,
+// and the chunk it replaces goes back when it holds no live block.
+ASN1CarveChunk* NewChunk(ASN1MemHeap* heap, size_t need) {
+  const unsigned doublings =
+      heap->carveGrowth < kChunkDoublings ? heap->carveGrowth : kChunkDoublings;
+  size_t bytes = ((kFirstChunk + ASN1_MEMBLOCK_HEADER) << doublings) - ASN1_MEMBLOCK_HEADER;
+  if (bytes < need + sizeof(ASN1CarveChunk)) bytes = need + sizeof(ASN1CarveChunk);
+  auto* chunk = static_cast<ASN1CarveChunk*>(AllocBlock(heap, bytes));
+  if (!chunk) return nullptr;
+  chunk->used = sizeof(ASN1CarveChunk);
+  chunk->capacity = bytes;
+  chunk->live = 0;
+  chunk->pad = 0;
+  auto* old = static_cast<ASN1CarveChunk*>(heap->carveChunk);
+  if (old && old->live == 0) FreeBlock(heap, BlockOf(old));
+  heap->carveChunk = chunk;
+  ++heap->carveGrowth;
+  return chunk;
+}
+
+void* Carve(ASN1MemHeap* heap, size_t n) {
+  const size_t need = sizeof(ASN1CarvedBlock) + Round16(n);
+  auto* chunk = static_cast<ASN1CarveChunk*>(heap->carveChunk);
+  if (!chunk || chunk->capacity - chunk->used < need) {
+    chunk = NewChunk(heap, need);
+    if (!chunk) return nullptr;
+  }
+  auto* carved =
+      reinterpret_cast<ASN1CarvedBlock*>(reinterpret_cast<unsigned char*>(chunk) + chunk->used);
+  chunk->used += need;
+  ++chunk->live;
+  carved->chunk = chunk;
+  carved->size = n;
+  return carved + 1;
+}
+
+// The last live block of a chunk takes the chunk with it; the heap's current
+// chunk is only rewound, so that a decode-free loop reuses it.
+void FreeCarved(ASN1MemHeap* heap, ASN1CarvedBlock* carved) {
+  ASN1CarveChunk* chunk = carved->chunk;
+  if (--chunk->live != 0) return;
+  if (chunk == heap->carveChunk) {
+    chunk->used = sizeof(ASN1CarveChunk);
+  } else {
+    FreeBlock(heap, BlockOf(chunk));
+  }
+}
 
 }  // namespace
 
@@ -63,14 +153,8 @@ void* rtMemHeapAlloc(void** ppHeap, size_t n) {
   if (!ppHeap || n > ASN1_MEMBLOCK_MAX) return nullptr;
   if (!*ppHeap && rtMemHeapCreate(ppHeap, nullptr) != ASN_OK) return nullptr;
   auto* heap = static_cast<ASN1MemHeap*>(*ppHeap);
-  auto* block = static_cast<ASN1MemBlock*>(g_malloc(heap->pAllocUserData, n + sizeof(ASN1MemBlock)));
-  if (!block) return nullptr;
-  block->size = n;
-  block->prev = nullptr;
-  block->next = heap->newest;
-  if (heap->newest) heap->newest->prev = block;
-  heap->newest = block;
-  return PayloadOf(block);
+  if ((heap->flags & ASN1_HEAP_CARVE) && n <= ASN1_HEAP_CARVE_MAX) return Carve(heap, n);
+  return AllocBlock(heap, n);
 }
 
 void* rtMemHeapAllocZ(void** ppHeap, size_t n) {
@@ -82,15 +166,16 @@ void* rtMemHeapAllocZ(void** ppHeap, size_t n) {
 void* rtMemHeapRealloc(void** ppHeap, void* p, size_t n) {
   if (!ppHeap || !*ppHeap) return nullptr;
   if (!p) return rtMemHeapAlloc(ppHeap, n);
-  ASN1MemBlock* block = BlockOf(p);
+  // The size is the last header word for both kinds of block.
+  ASN1CarvedBlock* header = CarvedOf(p);
   // Blocks never shrink: the smaller size is recorded, the bytes stay.
-  if (block->size >= n) {
-    block->size = n;
+  if (header->size >= n) {
+    header->size = n;
     return p;
   }
   void* grown = rtMemHeapAlloc(ppHeap, n);
   if (!grown) return nullptr;
-  std::memcpy(grown, p, block->size);
+  std::memcpy(grown, p, header->size);
   rtMemHeapFreePtr(ppHeap, p);
   return grown;
 }
@@ -98,14 +183,27 @@ void* rtMemHeapRealloc(void** ppHeap, void* p, size_t n) {
 void rtMemHeapFreePtr(void** ppHeap, void* p) {
   if (!p || !ppHeap || !*ppHeap) return;
   auto* heap = static_cast<ASN1MemHeap*>(*ppHeap);
-  ASN1MemBlock* block = BlockOf(p);
-  if (block->next) block->next->prev = block->prev;
-  if (block->prev) {
-    block->prev->next = block->next;
+  ASN1CarvedBlock* carved = CarvedOf(p);
+  if (carved->chunk) {
+    FreeCarved(heap, carved);
   } else {
-    heap->newest = block->next;
+    FreeBlock(heap, BlockOf(p));
   }
-  g_free(heap->pAllocUserData, block);
+}
+
+int rtMemHeapSetCarving(void** ppHeap, ASN1BOOL on) {
+  if (!ppHeap || !*ppHeap) return ASN_E_INVPARAM;
+  auto* heap = static_cast<ASN1MemHeap*>(*ppHeap);
+  if (on) {
+    heap->flags |= ASN1_HEAP_CARVE;
+  } else {
+    heap->flags &= ~ASN1_HEAP_CARVE;
+    // Nothing more is cut from the current chunk; it goes with its last block.
+    auto* chunk = static_cast<ASN1CarveChunk*>(heap->carveChunk);
+    heap->carveChunk = nullptr;
+    if (chunk && chunk->live == 0) FreeBlock(heap, BlockOf(chunk));
+  }
+  return ASN_OK;
 }
 
 void rtMemHeapRelease(void** ppHeap) {
@@ -123,6 +221,7 @@ void rtMemHeapRelease(void** ppHeap) {
     block = older;
   }
   heap->newest = nullptr;
+  heap->carveChunk = nullptr;
   if (heap->flags & ASN1_HEAP_RTALLOC) g_free(userData, heap);
   *ppHeap = nullptr;
 }
@@ -136,7 +235,8 @@ int rtMemHeapMarkSaved(void**, const void*, ASN1BOOL) { return ASN_OK; }
 
 int rtMemHeapCheckPtr(void**, const void*) { return 1; }
 
-size_t rtMemHeapBlockSize(const void* p) { return p ? BlockOf(p)->size : 0; }
+// The size is the last header word for both kinds of block.
+size_t rtMemHeapBlockSize(const void* p) { return p ? CarvedOf(p)->size : 0; }
 
 size_t rtMemHeapBlockCount(void** ppHeap) {
   if (!ppHeap || !*ppHeap) return 0;

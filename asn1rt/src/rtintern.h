@@ -6,16 +6,38 @@
 
 #include <korvex/asn1rt/asn1ber.h>
 
+struct ASN1CarveChunk;
+
 // Header in front of every heap block: newest-first doubly linked list, and the
 // requested size last, directly before the caller's bytes. 48 bytes keep the
 // caller's bytes 16-byte aligned when the allocator returns 16-byte blocks.
 struct ASN1MemBlock {
   ASN1MemBlock* next;  // older block
   ASN1MemBlock* prev;  // newer block
-  void* reserved[3];
+  void* reserved[2];
+  ASN1CarveChunk* chunk;  // always null here: this block is an allocation of its own
   size_t size;
 };
 static_assert(sizeof(ASN1MemBlock) == ASN1_MEMBLOCK_HEADER, "heap block header is 48 bytes");
+
+// Header of a block cut from a chunk (ASN1_HEAP_CARVE). Its two words sit where
+// the last two words of ASN1MemBlock sit, so the word before the size tells the
+// two kinds apart (a chunk here, null there) and the size is found alike.
+struct ASN1CarvedBlock {
+  ASN1CarveChunk* chunk;
+  size_t size;
+};
+static_assert(sizeof(ASN1CarvedBlock) == 16, "carved block header is 16 bytes");
+
+// Start of a chunk's bytes (the chunk itself is an ordinary block of the heap):
+// the bytes cut so far, header included, its capacity and its live blocks.
+struct ASN1CarveChunk {
+  size_t used;
+  size_t capacity;
+  size_t live;
+  size_t pad;  // keeps the first carved block 16-byte aligned
+};
+static_assert(sizeof(ASN1CarveChunk) % 16 == 0, "carved blocks stay 16-byte aligned");
 static_assert(sizeof(ASN1MemHeap) == 48, "heap record is 48 bytes");
 
 namespace korvex_rt {

@@ -71,6 +71,12 @@ int rtUTF8Validate(const char* text, size_t length) {
   if (text == nullptr && length != 0) return ASN_E_INVPARAM;
   size_t characters = 0;
   for (size_t at = 0; at < length;) {
+    // Runs of ASCII (most names and identifiers) are one character per octet.
+    if (static_cast<unsigned char>(text[at]) < 0x80) {
+      ++at;
+      if (++characters > static_cast<size_t>(INT_MAX)) return ASN_E_STROVFLW;
+      continue;
+    }
     int step = rtUTF8DecodeChar(text + at, length - at, nullptr);
     if (step < 0) return step;
     at += static_cast<size_t>(step);

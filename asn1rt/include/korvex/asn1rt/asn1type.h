@@ -222,13 +222,18 @@ typedef struct ASN1MemHeap {
   struct ASN1MemBlock* newest; /* head of the block list, null when empty */
   ASN1UINT defBlkSize;         /* 4096, kept for compatibility; unused */
   ASN1UINT refCnt;
-  ASN1UINT flags;              /* ASN1_HEAP_RTALLOC: record freed on last release */
-  ASN1UINT reserved0;
+  ASN1UINT flags;              /* ASN1_HEAP_RTALLOC, ASN1_HEAP_CARVE */
+  ASN1UINT carveGrowth;        /* ASN1_HEAP_CARVE: number of chunks taken so far */
   void* pAllocUserData;
-  void* reserved[2];
+  void* carveChunk; /* ASN1_HEAP_CARVE: the chunk small blocks are cut from */
+  void* reserved;
 } ASN1MemHeap;
 
 #define ASN1_HEAP_RTALLOC 0x10000000u
+/* Small blocks are cut from larger chunks (rtMemHeapSetCarving). */
+#define ASN1_HEAP_CARVE 0x20000000u
+/* Largest request cut from a chunk; larger ones are blocks of their own. */
+#define ASN1_HEAP_CARVE_MAX 2048u
 #define ASN1_HEAP_DEFBLKSIZE 4096u
 
 /* Size of the header in front of every heap block (next, previous, size). */
@@ -337,6 +342,20 @@ KORVEX_API int rtMemHeapMarkSaved(void** ppHeap, const void* p, ASN1BOOL saved);
 /* rtMemHeapCheckPtr: kept for compatibility; pointers are not validated and the
  * answer is always 1. */
 KORVEX_API int rtMemHeapCheckPtr(void** ppHeap, const void* p);
+
+/* rtMemHeapSetCarving: with on set, later requests of up to 2048 bytes
+ * (ASN1_HEAP_CARVE_MAX) are cut from chunks of 8 KB to 1 MB taken from the
+ * allocation functions, with a 16-byte header instead of 48 and no call to the
+ * allocation function of their own; larger requests stay separate blocks. Every
+ * other behaviour holds: each block can be freed on its own (a chunk goes back
+ * to the free function when its last block is freed), reallocated, sized with
+ * rtMemHeapBlockSize, and all of them go with the last rtMemHeapRelease. A
+ * chunk counts as one block in rtMemHeapBlockCount. on clear stops cutting; the
+ * blocks already cut stay valid. Meant for a context whose decoded value is
+ * dropped as a whole (the allocation count per decoded value falls from one
+ * per field to a few). -30 when the handle pointer is null or the handle holds
+ * no heap; 0 otherwise. */
+KORVEX_API int rtMemHeapSetCarving(void** ppHeap, ASN1BOOL on);
 
 /* rtMemHeapBlockSize: the size recorded in p's block header (0 for null p). */
 KORVEX_API size_t rtMemHeapBlockSize(const void* p);

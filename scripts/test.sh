@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # Builds and runs every test: a release build, the same tests under
 # AddressSanitizer + UndefinedBehaviorSanitizer (clang, which also builds the
-# libFuzzer targets), then a short run of each fuzz target. Longer checks have
-# scripts of their own (docs/coverage.md): coverage.sh (line coverage of the
-# ASN.1 runtime), tsan.sh (the threads test under ThreadSanitizer) and
+# libFuzzer targets), a short run of each fuzz target, then the threads test
+# under ThreadSanitizer (scripts/tsan.sh). Longer checks have scripts of their
+# own (docs/coverage.md): coverage.sh (line coverage of the ASN.1 runtime) and
 # valgrind.sh (memcheck over every test binary).
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -40,5 +40,9 @@ if [ "$sanitizer" = asan ] && [ -s build/asan/fuzzers.txt ]; then
     grep -E '^#[0-9]+.*DONE' "$work.log" | tail -n 1 || true
     rm -rf "$work" "$work.log"
   done < build/asan/fuzzers.txt
+fi
+if command -v clang++ >/dev/null; then
+  echo "== ThreadSanitizer: the threads test"
+  KORVEX_JOBS=$jobs scripts/tsan.sh build/tsan
 fi
 echo "all test stages passed"

@@ -13,14 +13,10 @@ using namespace adestool_test;
 
 namespace {
 
-std::string Examples(const std::string& name) {
-  return std::string(KORVEX_SOURCE_DIR) + "/examples/cades/" + name;
-}
-
 std::vector<std::string> ExampleValidation() {
-  return {"--cert", Examples("intermediate-ca.der"), "--cert", Examples("root-ca.der"),
-          "--crl",  Examples("intermediate-ca.crl"), "--crl",  Examples("root-ca.crl"),
-          "--ocsp", Examples("ocsp-ee-rsa.der")};
+  return {"--cert", ExamplePath("intermediate-ca.der"), "--cert", ExamplePath("root-ca.der"),
+          "--crl",  ExamplePath("intermediate-ca.crl"), "--crl",  ExamplePath("root-ca.crl"),
+          "--ocsp", ExamplePath("ocsp-ee-rsa.der")};
 }
 
 bool Contains(const std::string& haystack, const std::string& needle) {
@@ -58,24 +54,24 @@ TEST(Extend, ToTRebuildsTheExampleByteForByte) {
   TempDir dir;
   const std::string out = dir.path() + "/t.p7s";
   RunResult r = RunTool(
-      {"extend", Examples("bes.p7s"), "--to", "t", "--token", Examples("t.tsr"), "-o", out});
+      {"extend", ExamplePath("bes.p7s"), "--to", "t", "--token", ExamplePath("t.tsr"), "-o", out});
   ASSERT_EQ(0, r.status) << r.err;
   EXPECT_EQ("", r.out);
   EXPECT_EQ("", r.err);
-  EXPECT_EQ(ReadFile(Examples("t.p7s")), ReadFile(out));
+  EXPECT_EQ(ReadFile(ExamplePath("t.p7s")), ReadFile(out));
   EXPECT_EQ((std::vector<std::string>{"t.p7s"}), dir.Entries());
 }
 
 TEST(Extend, ToXLong1RebuildsTheExampleByteForByte) {
   TempDir dir;
   const std::string out = dir.path() + "/x.p7s";
-  std::vector<std::string> args = {"extend",  Examples("t.p7s"),   "--to", "x-long-1",
-                                   "--token", Examples("esc.tsr"), "-o",   out};
+  std::vector<std::string> args = {"extend",  ExamplePath("t.p7s"),   "--to", "x-long-1",
+                                   "--token", ExamplePath("esc.tsr"), "-o",   out};
   const std::vector<std::string> validation = ExampleValidation();
   args.insert(args.end(), validation.begin(), validation.end());
   RunResult r = RunTool(args);
   ASSERT_EQ(0, r.status) << r.err;
-  EXPECT_EQ(ReadFile(Examples("x-long-1.p7s")), ReadFile(out));
+  EXPECT_EQ(ReadFile(ExamplePath("x-long-1.p7s")), ReadFile(out));
 }
 
 TEST(Extend, TokenFromAResponseOrBareGivesTheSameSignature) {
@@ -115,13 +111,14 @@ TEST(Extend, TokenFromAResponseOrBareGivesTheSameSignature) {
 TEST(Extend, FailedChecksAndBadInputWriteNothing) {
   TempDir dir;
   const std::string sig = DataPath("cms/signed-attached.der");
-  const std::string bes = Examples("bes.p7s");
-  const std::string t = Examples("t.p7s");
+  const std::string bes = ExamplePath("bes.p7s");
+  const std::string t = ExamplePath("t.p7s");
   const std::string truncated = dir.Write("truncated.der", ReadFile(sig).substr(0, 100));
   const std::string rejected = dir.Write("rejected.tsr", HexBytes("30 05 30 03 02 01 02"));
   const std::string good = DataPath("cades/signature-timestamp-token.der");
   const std::string contentToken = DataPath("tsp/token.der");
-  std::vector<std::string> xl1 = {"extend", t, "--to", "x-long-1", "--token", Examples("esc.tsr")};
+  std::vector<std::string> xl1 = {"extend",   t,         "--to",
+                                  "x-long-1", "--token", ExamplePath("esc.tsr")};
   struct Case {
     std::vector<std::string> args;
     int status;
@@ -132,24 +129,25 @@ TEST(Extend, FailedChecksAndBadInputWriteNothing) {
        1,
        contentToken + ": the token's imprint does not match the signature value of signer 1 of " +
            sig},
-      {{"extend", sig, "--to", "t", "--token", Examples("t.tsr")},
+      {{"extend", sig, "--to", "t", "--token", ExamplePath("t.tsr")},
        1,
-       Examples("t.tsr") +
+       ExamplePath("t.tsr") +
            ": the token's imprint does not match the signature value of signer 1 of " + sig},
       {{"extend", sig, "--to", "t", "--token", good, "--token", contentToken},
        1,
        contentToken + ": the token is for none of the signers"},
-      {{"extend", bes, "--to", "x-long-1", "--token", Examples("esc.tsr")},
+      {{"extend", bes, "--to", "x-long-1", "--token", ExamplePath("esc.tsr")},
        1,
        bes + ": signer 1 has no signature time-stamp (extend it to t first)"},
-      {{"extend", Examples("x-long-1.p7s"), "--to", "x-long-1", "--token", Examples("esc.tsr")},
+      {{"extend", ExamplePath("x-long-1.p7s"), "--to", "x-long-1", "--token",
+        ExamplePath("esc.tsr")},
        1,
-       Examples("x-long-1.p7s") + ": signer 1 already has complete references"},
+       ExamplePath("x-long-1.p7s") + ": signer 1 already has complete references"},
       // References other than those the CAdES-C token covers.
-      {{"extend", t, "--to", "x-long-1", "--token", Examples("esc.tsr"), "--cert",
-        Examples("intermediate-ca.der"), "--crl", Examples("intermediate-ca.crl")},
+      {{"extend", t, "--to", "x-long-1", "--token", ExamplePath("esc.tsr"), "--cert",
+        ExamplePath("intermediate-ca.der"), "--crl", ExamplePath("intermediate-ca.crl")},
        1,
-       Examples("esc.tsr") +
+       ExamplePath("esc.tsr") +
            ": the token's imprint does not match the signature value and references of signer 1 "
            "of " +
            t},
@@ -163,7 +161,7 @@ TEST(Extend, FailedChecksAndBadInputWriteNothing) {
       {{"extend", sig, "--to", "t", "--token", sig},
        2,
        sig + ": offset 41: not a time-stamp token (eContentType is not id-ct-TSTInfo)"},
-      {{"extend", bes, "--to", "x-long-1", "--token", Examples("esc.tsr"), "--cert",
+      {{"extend", bes, "--to", "x-long-1", "--token", ExamplePath("esc.tsr"), "--cert",
         DataPath("cms/content.txt")},
        2,
        DataPath("cms/content.txt") + ": not DER, PEM or base64: invalid base64 character '.' "

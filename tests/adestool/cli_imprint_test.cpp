@@ -12,10 +12,6 @@ using namespace adestool_test;
 
 namespace {
 
-std::string Examples(const std::string& name) {
-  return std::string(KORVEX_SOURCE_DIR) + "/examples/cades/" + name;
-}
-
 std::string HashHex(const char* name, const std::string& bytes) {
   return adestool::HexLower(adestool::Digest(*adestool::FindHashByName(name),
                                              std::vector<uint8_t>(bytes.begin(), bytes.end())));
@@ -23,9 +19,9 @@ std::string HashHex(const char* name, const std::string& bytes) {
 
 // The options that name the validation data of the examples.
 std::vector<std::string> ExampleValidation() {
-  return {"--cert", Examples("intermediate-ca.der"), "--cert", Examples("root-ca.der"),
-          "--crl",  Examples("intermediate-ca.crl"), "--crl",  Examples("root-ca.crl"),
-          "--ocsp", Examples("ocsp-ee-rsa.der")};
+  return {"--cert", ExamplePath("intermediate-ca.der"), "--cert", ExamplePath("root-ca.der"),
+          "--crl",  ExamplePath("intermediate-ca.crl"), "--crl",  ExamplePath("root-ca.crl"),
+          "--ocsp", ExamplePath("ocsp-ee-rsa.der")};
 }
 
 TEST(Imprint, SignatureTimeStampImprintIsTheHashOfTheSignatureValue) {
@@ -71,32 +67,32 @@ TEST(Imprint, OneLinePerSignerOrTheSignerAsked) {
 }
 
 TEST(Imprint, EscImprintCoversSignatureTimeStampAndReferences) {
-  const std::string expected = ReadFile(Examples("esc.imprint.txt"));
+  const std::string expected = ReadFile(ExamplePath("esc.imprint.txt"));
   ASSERT_EQ(65u, expected.size());
   // On the T signature the references are built from the validation data...
-  std::vector<std::string> args = {"imprint", Examples("t.p7s"), "--for", "esc"};
+  std::vector<std::string> args = {"imprint", ExamplePath("t.p7s"), "--for", "esc"};
   const std::vector<std::string> validation = ExampleValidation();
   args.insert(args.end(), validation.begin(), validation.end());
   RunResult r = RunTool(args);
   ASSERT_EQ(0, r.status) << r.err;
   EXPECT_EQ(expected, r.out);
   // ...and on the X Long Type 1 signature read from it: the same octets.
-  r = RunTool({"imprint", Examples("x-long-1.p7s"), "--for", "esc"});
+  r = RunTool({"imprint", ExamplePath("x-long-1.p7s"), "--for", "esc"});
   ASSERT_EQ(0, r.status) << r.err;
   EXPECT_EQ(expected, r.out);
   // The signature time-stamp imprint did not change with the extensions.
-  r = RunTool({"imprint", Examples("x-long-1.p7s"), "--for", "t"});
-  EXPECT_EQ(ReadFile(Examples("t.imprint.txt")), r.out);
+  r = RunTool({"imprint", ExamplePath("x-long-1.p7s"), "--for", "t"});
+  EXPECT_EQ(ReadFile(ExamplePath("t.imprint.txt")), r.out);
   // Other validation data gives other references, so another imprint.
-  r = RunTool({"imprint", Examples("t.p7s"), "--for", "esc", "--cert",
-               Examples("intermediate-ca.der"), "--crl", Examples("intermediate-ca.crl")});
+  r = RunTool({"imprint", ExamplePath("t.p7s"), "--for", "esc", "--cert",
+               ExamplePath("intermediate-ca.der"), "--crl", ExamplePath("intermediate-ca.crl")});
   ASSERT_EQ(0, r.status) << r.err;
   EXPECT_NE(expected, r.out);
 }
 
 TEST(Imprint, ErrorsAndFailedChecks) {
-  const std::string bes = Examples("bes.p7s");
-  const std::string xl1 = Examples("x-long-1.p7s");
+  const std::string bes = ExamplePath("bes.p7s");
+  const std::string xl1 = ExamplePath("x-long-1.p7s");
   const std::string cert = DataPath("pki/ee-rsa.der");
   struct Case {
     std::vector<std::string> args;

@@ -2,7 +2,6 @@
 // real-world corpus (../shared/corpus, skipped when absent): each run ends
 // with status 0 or 2, never a crash or a hang; the CAdES signatures of the
 // esig-dss set report their format.
-#include <dirent.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -16,29 +15,9 @@ using namespace adestool_test;
 
 namespace {
 
-void CollectFiles(const std::string &dir, std::vector<std::string> *files) {
-  DIR *d = ::opendir(dir.c_str());
-  if (!d) return;
-  while (dirent *e = ::readdir(d)) {
-    std::string name = e->d_name;
-    if (name == "." || name == "..") continue;
-    std::string path = dir + "/" + name;
-    struct stat st;
-    if (::stat(path.c_str(), &st) != 0) continue;
-    if (S_ISDIR(st.st_mode)) {
-      CollectFiles(path, files);
-    } else if (S_ISREG(st.st_mode) && name != "INDEX.md") {
-      files->push_back(path);
-    }
-  }
-  ::closedir(d);
-}
-
 TEST(InspectCorpus, EveryFileEndsWithStatus0Or2) {
-  std::vector<std::string> files;
-  CollectFiles(KORVEX_CORPUS_DIR, &files);
+  const std::vector<std::string> files = FilesUnder(KORVEX_CORPUS_DIR);
   if (files.empty()) GTEST_SKIP() << "no corpus at " << KORVEX_CORPUS_DIR;
-  std::sort(files.begin(), files.end());
   size_t signatures = 0;
   for (const std::string &file : files) {
     SCOPED_TRACE(file);

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cctype>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -157,11 +158,18 @@ TEST(InspectLevel, FormatsAndWhatTheNextLacks) {
        "        attribute: CAdES-C Time Stamp (1.2.840.113549.1.9.16.2.25)\n"
        "        attribute: Certificate Values (1.2.840.113549.1.9.16.2.23)\n"
        "        attribute: Revocation Values (1.2.840.113549.1.9.16.2.24)\n"},
-      {"X Long Type 1", CadesXLongType1(),
+      // The examples' X Long Type 1: its CAdES-C time-stamp covers it, so
+      // --verify passes (the token of CadesXLongType1() covers another
+      // signature value).
+      {"X Long Type 1", ReadFile(ExamplePath("x-long-1.p7s")),
        "    CAdES level:\n      format: X Long Type 1\n      next: A\n      "
        "missing for next:\n"
        "        attribute: id-aa-ets-archiveTimestampV3 (0.4.0.1733.2.4)\n"},
-      {"A", CadesA(),
+      {"A",
+       AddUnsignedAttributes(
+           ReadFile(ExamplePath("x-long-1.p7s")), 0,
+           {AttributeDer("0.4.0.1733.2.4",
+                         ReadFile(DataPath("cades/signature-timestamp-token.der")))}),
        "    CAdES level:\n      format: A\n      next: none\n      missing for "
        "next: none\n"},
       {"an archive time-stamp without the lower formats' attributes is BES",
@@ -220,7 +228,7 @@ TEST(InspectAttributes, TimeStampsReferencesAndValues) {
            "                hash algorithm: none\n"
            "                hash: none\n",
        "      CAdES-C Time Stamp (1.2.840.113549.1.9.16.2.25):\n",
-       "        imprint matches: not checked\n",
+       "        imprint matches the CAdES-C data: no\n",
        "      Certificate Values (1.2.840.113549.1.9.16.2.23):\n        "
        "certs:\n          cert 1:\n"
        "            subject: E=signer@korvex.example,CN=Korvex Test RSA "
@@ -252,6 +260,136 @@ TEST(InspectAttributes, ContentTimeStampImprintIsComparedWithTheContent) {
   EXPECT_EQ(0, r.status);
   ExpectContains(r.out, {"    unsigned attributes:\n", "        imprint matches the content: no\n",
                          "      1.2.3.4.5: 5 bytes\n"});
+}
+
+// Block: the lines of text from the one starting with first up to, not
+// including, the next line indented as little as it or less.
+std::string Block(const std::string &text, const std::string &first) {
+  size_t start = text.find(first);
+  if (start == std::string::npos) return std::string();
+  const size_t indent = first.find_first_not_of(' ');
+  size_t end = text.find('\n', start) + 1;
+  while (end < text.size() && text.find_first_not_of(' ', end) - end > indent) {
+    end = text.find('\n', end) + 1;
+  }
+  return text.substr(start, end - start);
+}
+
+std::string Upper(std::string text) {
+  for (char &c : text) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  return text;
+}
+
+// The imprint `imprint --for esc` gave for the example (its first line).
+std::string ExampleEscImprint() {
+  std::string hex = ReadFile(ExamplePath("esc.imprint.txt"));
+  return Upper(hex.substr(0, hex.find('\n')));
+}
+
+TEST(InspectCadesC, ImprintIsComparedWithTheDataImprintForEscHashes) {
+  const std::string xl = ExamplePath("x-long-1.p7s");
+  RunResult r = RunTool({"inspect", "--verify", xl});
+  EXPECT_EQ(0, r.status) << r.err;
+  EXPECT_EQ("", r.err);
+  ExpectLines(
+      "      CAdES-C Time Stamp (1.2.840.113549.1.9.16.2.25):\n"
+      "        time: *\n"
+      "        serial: 3002\n"
+      "        TSA: CN=Korvex Test TSA,OU=Validation Services,O=Korvex Test PKI,C=RU\n"
+      "        policy: 1.3.6.1.4.1.99981.38.2\n"
+      "        imprint algorithm: sha256 (2.16.840.1.101.3.4.2.1)\n"
+      "        imprint: " +
+          ExampleEscImprint() +
+          "\n"
+          "        imprint matches the CAdES-C data: yes\n",
+      Block(r.out, "      CAdES-C Time Stamp (1.2.840.113549.1.9.16.2.25):\n"));
+  ExpectContains(r.out, {"        imprint matches the signature value: yes\n",
+                         "        imprint matches the CAdES-C data: yes\n",
+                         "      message digest: passed: ", "      signature: passed: "});
+
+  RunResult json = RunTool({"inspect", "--json", xl});
+  EXPECT_EQ(0, json.status);
+  ExpectContains(json.out, {"              \"imprint_compared_with\": \"signature value\",\n"
+                            "              \"imprint_matches\": true\n",
+                            "              \"imprint\": \"" + ExampleEscImprint() +
+                                "\",\n"
+                                "              \"imprint_compared_with\": \"CAdES-C data\",\n"
+                                "              \"imprint_matches\": true\n"});
+}
+
+TEST(InspectCadesC, MismatchedImprintsFailVerify) {
+  TempDir dir;
+  // One byte of the revocation references changed (the issue time of the
+  // first CRL identifier: 2024-06-01 00:00:00 becomes 10:00:00): the
+  // signature still verifies, the CAdES-C data is no longer what the token
+  // covers.
+  const std::string refsChanged =
+      dir.Write("refs.p7s", FlipByteOf(ReadFile(ExamplePath("x-long-1.p7s")), "240601000000Z"));
+  // The fixture's token covers cms/signed-attached.der, not the example BES.
+  const std::string otherToken = dir.Write(
+      "other.p7s", AddUnsignedAttributes(
+                       ReadFile(ExamplePath("bes.p7s")), 0,
+                       {AttributeDer("1.2.840.113549.1.9.16.2.14",
+                                     ReadFile(DataPath("cades/signature-timestamp-token.der")))}));
+  struct Case {
+    const char *what;
+    std::string sig;
+    const char *line;   // the imprint line
+    const char *error;  // standard error after "adestool: FILE: "
+  };
+  const Case kCases[] = {
+      {"references changed", refsChanged, "        imprint matches the CAdES-C data: no\n",
+       "signer 1: CAdES-C time-stamp: the token's imprint does not match the CAdES-C data\n"},
+      {"signature time-stamp of another signature", otherToken,
+       "        imprint matches the signature value: no\n",
+       "signer 1: signature time-stamp: the token's imprint does not match the signature "
+       "value\n"},
+  };
+  for (const Case &c : kCases) {
+    SCOPED_TRACE(c.what);
+    RunResult plain = RunTool({"inspect", c.sig});
+    EXPECT_EQ(0, plain.status) << plain.err;
+    EXPECT_EQ("", plain.err);
+    ExpectContains(plain.out, {c.line});
+
+    RunResult r = RunTool({"inspect", "--verify", c.sig});
+    EXPECT_EQ(1, r.status);
+    EXPECT_EQ("adestool: " + c.sig + ": " + c.error, r.err);
+    ExpectContains(r.out, {c.line,
+                           "    verification:\n"
+                           "      message digest: passed: the sha256 digest of the content "
+                           "matches\n"
+                           "      signature: passed: the signature verifies with the signer's "
+                           "public key\n"});
+
+    RunResult json = RunTool({"inspect", "--json", "--verify", c.sig});
+    EXPECT_EQ(1, json.status);
+    ExpectContains(json.out, {"              \"imprint_matches\": false\n"});
+  }
+  RunResult refs = RunTool({"inspect", refsChanged});
+  ExpectContains(refs.out, {"                issued: 2024-06-01 10:00:00 UTC\n"});
+}
+
+TEST(InspectCadesC, WithoutReferencesTheDataIsNotFormed) {
+  // A CAdES-C time-stamp on a signer without the complete references: what
+  // it should cover cannot be formed, so it is not checked and --verify
+  // passes on the other checks.
+  TempDir dir;
+  const std::string token = ReadFile(DataPath("cades/signature-timestamp-token.der"));
+  const std::string sig = dir.Write(
+      "c.p7s", AddUnsignedAttributes(ReadFile(DataPath("cms/signed-attached.der")), 0,
+                                     {AttributeDer("1.2.840.113549.1.9.16.2.14", token),
+                                      AttributeDer("1.2.840.113549.1.9.16.2.25", token)}));
+  RunResult r = RunTool({"inspect", "--verify", sig});
+  EXPECT_EQ(0, r.status) << r.err;
+  EXPECT_EQ("", r.err);
+  ExpectContains(r.out, {"        imprint matches the signature value: yes\n",
+                         "      CAdES-C Time Stamp (1.2.840.113549.1.9.16.2.25):\n",
+                         "        imprint matches: not checked\n"});
+  RunResult json = RunTool({"inspect", "--json", sig});
+  ExpectContains(json.out, {"              \"imprint_compared_with\": \"signature value\",\n",
+                            "              \"imprint_compared_with\": null,\n"
+                            "              \"imprint_matches\": null\n"});
 }
 
 TEST(InspectJson, SchemaOfATimeStampedSignature) {
@@ -399,7 +537,7 @@ TEST(InspectTrust, ChainAgainstGivenAnchors) {
   TempDir dir;
   // The X Long Type 1 signature carries the CRLs of the intermediate and the
   // root in its revocation values, so revocation can be checked offline.
-  const std::string xl = dir.Write("xl.p7s", CadesXLongType1());
+  const std::string xl = ExamplePath("x-long-1.p7s");
   const std::string withCrls =
       dir.Write("crls.p7s", AddCrls(ReadFile(DataPath("cms/signed-attached.der")),
                                     {ReadFile(DataPath("crl/intermediate-ca.crl")),
@@ -439,7 +577,7 @@ TEST(InspectTrust, ChainAgainstGivenAnchors) {
     }
   }
   // No temporary trust files are left behind.
-  EXPECT_EQ(std::vector<std::string>({"crls.p7s", "xl.p7s"}), dir.Entries());
+  EXPECT_EQ(std::vector<std::string>({"crls.p7s"}), dir.Entries());
 }
 
 TEST(InspectErrors, UsageAndInputErrorsGiveStatus2) {

@@ -6,7 +6,9 @@
 # (the T token against the signature value); once on DER, once on a
 # streamed (indefinite-length BER) signature and once on a signature whose
 # signer is named by subject key identifier. When adestool has the
-# `inspect` command, it must report BES, T and X Long Type 1.
+# `inspect` command, it must report BES, T and X Long Type 1, and its
+# --verify must pass on the X Long Type 1 signatures, time-stamp imprints
+# included.
 #
 #   e2e_extend.sh ADESTOOL MAKE_EXAMPLES
 #
@@ -41,6 +43,18 @@ if "$ADESTOOL" --help | grep -q '^  inspect '; then
     done
   done
   echo "inspect reports BES, T and X Long Type 1"
+  # inspect --verify holds both time-stamps to what they cover: the same
+  # octets imprint hashed for the tokens.
+  for dir in der ber keyid; do
+    "$ADESTOOL" inspect --verify "$WORK/$dir/x-long-1.p7s" >"$WORK/inspect.txt" ||
+      { echo "FAIL: inspect --verify fails on $dir/x-long-1.p7s"; exit 1; }
+    for line in "imprint matches the signature value: yes" \
+                "imprint matches the CAdES-C data: yes"; do
+      grep -qF "$line" "$WORK/inspect.txt" ||
+        { echo "FAIL: inspect does not show '$line' for $dir/x-long-1.p7s"; exit 1; }
+    done
+  done
+  echo "inspect --verify passes on the three X Long Type 1 signatures"
 else
   echo "inspect is not available: its check is left out"
 fi

@@ -18,6 +18,8 @@
 #include <stdexcept>
 #include <thread>
 
+#include "../common/hex_bytes.h"
+
 namespace adestool_test {
 
 namespace {
@@ -140,27 +142,8 @@ RunResult RunTool(const std::vector<std::string>& args, const std::string& stdin
 }
 
 std::string HexBytes(const std::string& hex) {
-  std::string bytes;
-  int high = -1;
-  for (char c : hex) {
-    int v;
-    if (c >= '0' && c <= '9') {
-      v = c - '0';
-    } else if (c >= 'A' && c <= 'F') {
-      v = c - 'A' + 10;
-    } else if (c >= 'a' && c <= 'f') {
-      v = c - 'a' + 10;
-    } else {
-      continue;
-    }
-    if (high < 0) {
-      high = v;
-    } else {
-      bytes.push_back(static_cast<char>(high * 16 + v));
-      high = -1;
-    }
-  }
-  return bytes;
+  const std::vector<unsigned char> bytes = korvextest::HexToBytes(hex);
+  return std::string(bytes.begin(), bytes.end());
 }
 
 std::string Base64(const std::string& bytes, bool wrap) {
@@ -187,6 +170,39 @@ std::string Base64(const std::string& bytes, bool wrap) {
 
 std::string DataPath(const std::string& relative) {
   return std::string(KORVEX_TEST_DATA_DIR) + "/" + relative;
+}
+
+namespace {
+
+void CollectFiles(const std::string& dir, std::vector<std::string>* files) {
+  DIR* d = ::opendir(dir.c_str());
+  if (!d) return;
+  while (dirent* e = ::readdir(d)) {
+    std::string name = e->d_name;
+    if (name == "." || name == "..") continue;
+    std::string path = dir + "/" + name;
+    struct stat st;
+    if (::stat(path.c_str(), &st) != 0) continue;
+    if (S_ISDIR(st.st_mode)) {
+      CollectFiles(path, files);
+    } else if (S_ISREG(st.st_mode) && name != "INDEX.md") {
+      files->push_back(path);
+    }
+  }
+  ::closedir(d);
+}
+
+}  // namespace
+
+std::vector<std::string> FilesUnder(const std::string& dir) {
+  std::vector<std::string> files;
+  CollectFiles(dir, &files);
+  std::sort(files.begin(), files.end());
+  return files;
+}
+
+std::string ExamplePath(const std::string& name) {
+  return std::string(KORVEX_SOURCE_DIR) + "/examples/cades/" + name;
 }
 
 }  // namespace adestool_test

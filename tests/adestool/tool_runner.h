@@ -48,6 +48,13 @@ std::string Base64(const std::string& bytes, bool wrap);
 
 std::string DataPath(const std::string& relative);
 
+// FilesUnder: the regular files below dir, in every subdirectory, sorted
+// (INDEX.md files left out: the corpus's own notes); empty when dir is absent.
+std::vector<std::string> FilesUnder(const std::string& dir);
+
+// ExamplePath: a file of examples/cades/ (the signatures make-examples.sh made).
+std::string ExamplePath(const std::string& name);
+
 }  // namespace adestool_test
 
 #endif

@@ -18,7 +18,7 @@
 #include <cstdio>
 
 #include "asn1_names.h"
-#include "inspect_crypto.h"
+#include "digest.h"
 #include "signed_message.h"
 #include "value_text.h"
 
@@ -41,9 +41,11 @@ std::string Code(uint32_t code) {
   return buf;
 }
 
-ReportNode OidNode(std::string key, std::string label, const std::string &dotted) {
+// NamedOidNode: {"oid", "name"} with the text "name (dotted)", or the
+// dotted text alone when name is empty.
+ReportNode NamedOidNode(std::string key, std::string label, const std::string &dotted,
+                        const std::string &name) {
   ReportNode node = ReportNode::Object(std::move(key), std::move(label));
-  std::string name = OidName(dotted);
   node.String("oid", "oid", dotted);
   if (name.empty()) {
     node.Null("name", "name");
@@ -52,6 +54,10 @@ ReportNode OidNode(std::string key, std::string label, const std::string &dotted
   }
   node.SetInlineText(name.empty() ? dotted : name + " (" + dotted + ")");
   return node;
+}
+
+ReportNode OidNode(std::string key, std::string label, const std::string &dotted) {
+  return NamedOidNode(std::move(key), std::move(label), dotted, OidName(dotted));
 }
 
 void OptionalString(ReportNode *node, const char *key, const char *label, bool present,
@@ -293,10 +299,13 @@ ReportNode SignerLocationNode(const ASN1T_SignerLocation &value) {
 
 // ---- time-stamp tokens (RFC 3161 2.4.2)
 
-enum class ImprintOver { kNothing, kSignature, kContent };
+enum class ImprintOver { kNothing, kSignature, kContent, kEscData };
 
+// TokenNode: the token's TSTInfo and, where over names data that is known,
+// whether the imprint is its hash; *mismatches counts the imprints that
+// are not.
 ReportNode TokenNode(const ASN1T_ContentInfo &token, ImprintOver over,
-                     const ImprintSources &sources) {
+                     const ImprintSources &sources, size_t *mismatches) {
   ReportNode node = ReportNode::Object("", "");
   const auto *sd = rtCmpOID(&token.contentType, &id_signedData)
                        ? static_cast<const ASN1T_SignedData *>(token.content.decoded)
@@ -321,25 +330,33 @@ ReportNode TokenNode(const ASN1T_ContentInfo &token, ImprintOver over,
 
   const uint8_t *data = nullptr;
   size_t size = 0;
-  const char *what = "";
+  const char *comparedWith = "";  // JSON imprint_compared_with, and the text label
   if (over == ImprintOver::kSignature && sources.signature) {
     data = sources.signature;
     size = sources.signatureSize;
-    what = "the signature value";
+    comparedWith = "signature value";
   } else if (over == ImprintOver::kContent && sources.content) {
     data = sources.content;
     size = sources.contentSize;
-    what = "the content";
+    comparedWith = "content";
+  } else if (over == ImprintOver::kEscData && sources.escData) {
+    data = sources.escData;
+    size = sources.escDataSize;
+    comparedWith = "CAdES-C data";
   }
-  std::vector<uint8_t> digest;
-  if (data == nullptr || !HashBytes(hashOid, data, size, &digest)) {
+  const ImprintMatch match = data == nullptr
+                                 ? ImprintMatch::kNoHash
+                                 : MatchImprint(hashOid, imprint.data, imprint.numocts, data, size);
+  if (match == ImprintMatch::kNoHash) {
+    node.Null("imprint_compared_with", "imprint compared with").JsonOnly();
     node.Null("imprint_matches", "imprint matches").JsonOnly();
     node.String("", "imprint matches", "not checked").TextOnly();
     return node;
   }
-  bool matches =
-      digest.size() == imprint.numocts && std::equal(digest.begin(), digest.end(), imprint.data);
-  node.Boolean("imprint_matches", std::string("imprint matches ") + what, matches);
+  const bool matches = match == ImprintMatch::kMatches;
+  if (!matches) ++*mismatches;
+  node.String("imprint_compared_with", "imprint compared with", comparedWith).JsonOnly();
+  node.Boolean("imprint_matches", std::string("imprint matches the ") + comparedWith, matches);
   return node;
 }
 
@@ -532,7 +549,8 @@ enum class ValueKind {
   kSignerLocation,
   kContentTimestamp,
   kSignatureTimestamp,
-  kTimestamp,  // CAdES-C, certCRL and archive time-stamps
+  kEscTimestamp,  // CAdES-C time-stamp
+  kTimestamp,     // certCRL and archive time-stamps
   kCertificateRefs,
   kRevocationRefs,
   kCertificateValues,
@@ -556,7 +574,7 @@ const KnownAttribute kKnownAttributes[] = {
     {"1.2.840.113549.1.9.16.2.17", ValueKind::kSignerLocation},
     {"1.2.840.113549.1.9.16.2.20", ValueKind::kContentTimestamp},
     {"1.2.840.113549.1.9.16.2.14", ValueKind::kSignatureTimestamp},
-    {"1.2.840.113549.1.9.16.2.25", ValueKind::kTimestamp},
+    {"1.2.840.113549.1.9.16.2.25", ValueKind::kEscTimestamp},
     {"1.2.840.113549.1.9.16.2.26", ValueKind::kTimestamp},
     {"1.2.840.113549.1.9.16.2.27", ValueKind::kTimestamp},
     {"0.4.0.1733.2.4", ValueKind::kTimestamp},
@@ -581,17 +599,20 @@ ReportNode Undecodable(const std::string &why) {
 
 // TokenOf: a time-stamp token value, typed by the catalogue or, for the
 // identifiers it does not list (the v3 archive time-stamp), decoded here.
-ReportNode TokenValue(const Asn1Object &value, ImprintOver over, const ImprintSources &sources) {
+ReportNode TokenValue(const Asn1Object &value, ImprintOver over, const ImprintSources &sources,
+                      size_t *mismatches) {
   if (value.decoded) {
-    return TokenNode(*static_cast<const ASN1T_ContentInfo *>(value.decoded), over, sources);
+    return TokenNode(*static_cast<const ASN1T_ContentInfo *>(value.decoded), over, sources,
+                     mismatches);
   }
   Decoded<ASN1T_ContentInfo> token(value.data, value.numocts, &asn1D_ContentInfo,
                                    &asn1Free_ContentInfo);
   if (!token.ok()) return Undecodable("does not decode as a time-stamp token");
-  return TokenNode(token.record(), over, sources);
+  return TokenNode(token.record(), over, sources, mismatches);
 }
 
-ReportNode ValueNode(ValueKind kind, const Asn1Object &value, const ImprintSources &sources) {
+ReportNode ValueNode(ValueKind kind, const Asn1Object &value, const ImprintSources &sources,
+                     size_t *mismatches) {
   const void *typed = value.decoded;
   Korvex::CBlob der(value.data, value.numocts);
   try {
@@ -635,11 +656,13 @@ ReportNode ValueNode(ValueKind kind, const Asn1Object &value, const ImprintSourc
         if (!typed) break;
         return SignerLocationNode(*static_cast<const ASN1T_SignerLocation *>(typed));
       case ValueKind::kContentTimestamp:
-        return TokenValue(value, ImprintOver::kContent, sources);
+        return TokenValue(value, ImprintOver::kContent, sources, mismatches);
       case ValueKind::kSignatureTimestamp:
-        return TokenValue(value, ImprintOver::kSignature, sources);
+        return TokenValue(value, ImprintOver::kSignature, sources, mismatches);
+      case ValueKind::kEscTimestamp:
+        return TokenValue(value, ImprintOver::kEscData, sources, mismatches);
       case ValueKind::kTimestamp:
-        return TokenValue(value, ImprintOver::kNothing, sources);
+        return TokenValue(value, ImprintOver::kNothing, sources, mismatches);
       case ValueKind::kCertificateRefs:
         return CertificateRefsNode(der);
       case ValueKind::kRevocationRefs:
@@ -665,16 +688,7 @@ ReportNode ValueNode(ValueKind kind, const Asn1Object &value, const ImprintSourc
 }  // namespace
 
 ReportNode AlgorithmNode(std::string key, std::string label, const std::string &dotted) {
-  ReportNode node = ReportNode::Object(std::move(key), std::move(label));
-  std::string name = AlgorithmName(dotted);
-  node.String("oid", "oid", dotted);
-  if (name.empty()) {
-    node.Null("name", "name");
-  } else {
-    node.String("name", "name", name);
-  }
-  node.SetInlineText(name.empty() ? dotted : name + " (" + dotted + ")");
-  return node;
+  return NamedOidNode(std::move(key), std::move(label), dotted, AlgorithmName(dotted));
 }
 
 std::string AttributeLabel(const std::string &dotted) {
@@ -682,8 +696,9 @@ std::string AttributeLabel(const std::string &dotted) {
   return name.empty() ? dotted : name + " (" + dotted + ")";
 }
 
-void DescribeAttribute(const ASN1T_Attribute &attribute, const ImprintSources &sources,
-                       ReportNode *list) {
+size_t DescribeAttribute(const ASN1T_Attribute &attribute, const ImprintSources &sources,
+                         ReportNode *list) {
+  size_t mismatches = 0;
   const std::string dotted = DottedOid(attribute.type);
   const std::string name = OidName(dotted);
   const ValueKind kind = KindOf(dotted);
@@ -702,7 +717,7 @@ void DescribeAttribute(const ASN1T_Attribute &attribute, const ImprintSources &s
   ReportNode values = ReportNode::Array("values", "values");
   values.JsonOnly();
   for (ASN1UINT i = 0; i < attribute.values.n; ++i) {
-    ReportNode value = ValueNode(kind, attribute.values.elem[i], sources);
+    ReportNode value = ValueNode(kind, attribute.values.elem[i], sources, &mismatches);
     if (attribute.values.n == 1) {
       // The value on the attribute's own line, or its members below it.
       if (!value.text().empty()) {
@@ -722,6 +737,7 @@ void DescribeAttribute(const ASN1T_Attribute &attribute, const ImprintSources &s
   }
   node.Add(std::move(values));
   if (attribute.values.n == 0) node.SetInlineText("no values");
+  return mismatches;
 }
 
 }  // namespace adestool

@@ -29,7 +29,12 @@ bool Covers(const TimeStampItem& token, const std::vector<uint8_t>& data) {
   if (!hash) {
     throw FileError(token.name, "imprint hash algorithm " + token.imprintOid + " is not supported");
   }
-  return Digest(*hash, data) == token.imprint;
+  const ImprintMatch match = MatchImprint(token.imprintOid, token.imprint.data(),
+                                          token.imprint.size(), data.data(), data.size());
+  if (match == ImprintMatch::kNoHash) {
+    throw UsageError("hash " + std::string(hash->name) + " is not available here");
+  }
+  return match == ImprintMatch::kMatches;
 }
 
 int RunExtend(CommandContext& context) {

@@ -63,6 +63,18 @@ int RunValues(CommandContext& context) {
   return kExitOk;
 }
 
+// KindAndItemOptions: the options refs and values share, then more.
+std::vector<OptionSpec> KindAndItemOptions(std::vector<OptionSpec> more) {
+  std::vector<OptionSpec> options = {
+      {"kind", 0, true, "KIND", "cert or revocation", false},
+      {"cert", 0, true, "FILE", "certificates (repeatable)", true},
+      {"crl", 0, true, "FILE", "CRLs (repeatable)", true},
+      {"ocsp", 0, true, "FILE", "OCSP responses (repeatable)", true},
+  };
+  options.insert(options.end(), more.begin(), more.end());
+  return options;
+}
+
 }  // namespace
 
 const Command kRefsCommand = {
@@ -84,14 +96,10 @@ const Command kRefsCommand = {
     "BasicOCSPResponse. The output is the same for the same inputs.\n"
     "\n"
     "Exit status: 0 done; 2 usage and input errors.",
-    {
-        {"kind", 0, true, "KIND", "cert or revocation", false},
-        {"cert", 0, true, "FILE", "certificates (repeatable)", true},
-        {"crl", 0, true, "FILE", "CRLs (repeatable)", true},
-        {"ocsp", 0, true, "FILE", "OCSP responses (repeatable)", true},
+    KindAndItemOptions({
         {"hash", 0, true, "ALG",
          "sha256 (default), sha1, sha384, sha512, gost94, gost2012-256, gost2012-512", false},
-    },
+    }),
     RunRefs,
 };
 
@@ -105,12 +113,7 @@ const Command kValuesCommand = {
     "--ocsp files) value (RFC 5126 6.3.3, 6.3.4).\n"
     "\n"
     "Exit status: 0 done; 2 usage and input errors.",
-    {
-        {"kind", 0, true, "KIND", "cert or revocation", false},
-        {"cert", 0, true, "FILE", "certificates (repeatable)", true},
-        {"crl", 0, true, "FILE", "CRLs (repeatable)", true},
-        {"ocsp", 0, true, "FILE", "OCSP responses (repeatable)", true},
-    },
+    KindAndItemOptions({}),
     RunValues,
 };
 

@@ -1,4 +1,4 @@
-// cms_layout.cpp: ReadSignedData.
+// cms_layout.cpp: ReadSignedData and ReadSignedDataIn.
 #include "cms_layout.h"
 
 namespace adestool {
@@ -86,8 +86,12 @@ std::vector<uint8_t> OctetStringValue(DerWalker& walker, const DerElement& eleme
 }
 
 SignedDataLayout ReadSignedData(DerWalker& walker) {
+  return ReadSignedDataIn(walker, walker.ReadTop("ContentInfo"));
+}
+
+SignedDataLayout ReadSignedDataIn(DerWalker& walker, const DerElement& contentInfo) {
   SignedDataLayout layout;
-  layout.contentInfo = walker.ReadTop("ContentInfo");
+  layout.contentInfo = contentInfo;
   walker.Expect(layout.contentInfo, kTagSequence, "ContentInfo");
   std::vector<DerElement> ci = walker.Children(layout.contentInfo, "ContentInfo");
   if (ci.size() != 2) walker.Fail(layout.contentInfo.offset, "ContentInfo: expected 2 fields");
@@ -110,7 +114,10 @@ SignedDataLayout ReadSignedData(DerWalker& walker) {
     layout.certificates = walker.Children(sd[i], "certificate");
     ++i;
   }
-  if (i < sd.size() && sd[i].tag == ContextTag(1)) ++i;
+  if (i < sd.size() && sd[i].tag == ContextTag(1)) {
+    layout.crls = walker.Children(sd[i], "CRL");
+    ++i;
+  }
   if (i + 1 != sd.size()) {
     walker.Fail(i < sd.size() ? sd[i].offset : layout.signedData.offset,
                 "SignedData: expected signerInfos last");

@@ -46,6 +46,7 @@ struct SignedDataLayout {
   DerElement signedData;
   DerElement signerInfos;
   std::vector<DerElement> certificates;  // CertificateChoices, in order
+  std::vector<DerElement> crls;          // RevocationInfoChoices, in order
   std::vector<SignerLayout> signers;
 };
 
@@ -53,6 +54,11 @@ struct SignedDataLayout {
 // fills the walker's input. Throws ToolError (status 2) for anything else,
 // naming the offset of the fault.
 SignedDataLayout ReadSignedData(DerWalker& walker);
+
+// ReadSignedDataIn: the same for the ContentInfo element contentInfo of the
+// walker's input (bytes may follow it, as after a signature padded by the
+// tool that wrote it).
+SignedDataLayout ReadSignedDataIn(DerWalker& walker, const DerElement& contentInfo);
 
 // OctetStringValue: the value of an OCTET STRING element, primitive or (BER)
 // constructed from segments.

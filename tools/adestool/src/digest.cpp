@@ -22,6 +22,33 @@ class HashHandles {
   HCRYPTHASH hash = 0;
 };
 
+enum class HashStatus { kOk, kNoProvider, kNoAlgorithm, kFailed };
+
+// HashWith: the one path of every hash adestool computes.
+HashStatus HashWith(ALG_ID algId, const uint8_t* data, size_t size, std::vector<uint8_t>* value) {
+  HashHandles h;
+  if (!CryptAcquireContextA(&h.prov, nullptr, nullptr, PROV_RSA_AES, CRYPT_VERIFYCONTEXT)) {
+    return HashStatus::kNoProvider;
+  }
+  if (!CryptCreateHash(h.prov, algId, 0, 0, &h.hash)) return HashStatus::kNoAlgorithm;
+  // CryptHashData takes 32-bit lengths; inputs are at most 256 MiB, but feed
+  // in pieces all the same.
+  size_t done = 0;
+  while (done < size) {
+    const DWORD piece = static_cast<DWORD>(std::min<size_t>(size - done, 1u << 30));
+    if (!CryptHashData(h.hash, data + done, piece, 0)) return HashStatus::kFailed;
+    done += piece;
+  }
+  DWORD length = 0;
+  if (!CryptGetHashParam(h.hash, HP_HASHVAL, nullptr, &length, 0)) return HashStatus::kFailed;
+  value->assign(length, 0);
+  if (!CryptGetHashParam(h.hash, HP_HASHVAL, value->data(), &length, 0)) {
+    return HashStatus::kFailed;
+  }
+  value->resize(length);
+  return HashStatus::kOk;
+}
+
 }  // namespace
 
 const std::vector<HashAlgorithm>& HashAlgorithms() {
@@ -71,33 +98,34 @@ const HashAlgorithm& SelectHash(const std::string* name, std::string_view comman
 }
 
 std::vector<uint8_t> Digest(const HashAlgorithm& algorithm, const std::vector<uint8_t>& data) {
-  HashHandles h;
-  if (!CryptAcquireContextA(&h.prov, nullptr, nullptr, PROV_RSA_AES, CRYPT_VERIFYCONTEXT)) {
-    throw UsageError("cannot open the platform's cryptographic provider");
+  std::vector<uint8_t> value;
+  switch (HashWith(algorithm.algId, data.data(), data.size(), &value)) {
+    case HashStatus::kOk:
+      return value;
+    case HashStatus::kNoProvider:
+      throw UsageError("cannot open the platform's cryptographic provider");
+    case HashStatus::kNoAlgorithm:
+      throw UsageError("hash " + std::string(algorithm.name) + " is not available here");
+    case HashStatus::kFailed:
+      break;
   }
-  if (!CryptCreateHash(h.prov, algorithm.algId, 0, 0, &h.hash)) {
-    throw UsageError("hash " + std::string(algorithm.name) + " is not available here");
-  }
-  // CryptHashData takes 32-bit lengths; inputs are at most 256 MiB, but feed
-  // in pieces all the same.
-  size_t done = 0;
-  while (done < data.size()) {
-    const DWORD piece = static_cast<DWORD>(std::min<size_t>(data.size() - done, 1u << 30));
-    if (!CryptHashData(h.hash, data.data() + done, piece, 0)) {
-      throw UsageError("hashing with " + std::string(algorithm.name) + " failed");
-    }
-    done += piece;
-  }
-  DWORD size = 0;
-  if (!CryptGetHashParam(h.hash, HP_HASHVAL, nullptr, &size, 0)) {
-    throw UsageError("hashing with " + std::string(algorithm.name) + " failed");
-  }
-  std::vector<uint8_t> value(size);
-  if (!CryptGetHashParam(h.hash, HP_HASHVAL, value.data(), &size, 0)) {
-    throw UsageError("hashing with " + std::string(algorithm.name) + " failed");
-  }
-  value.resize(size);
-  return value;
+  throw UsageError("hashing with " + std::string(algorithm.name) + " failed");
+}
+
+bool HashBytes(const std::string& hashOid, const uint8_t* data, size_t size,
+               std::vector<uint8_t>* digest) {
+  PCCRYPT_OID_INFO info = CryptFindOIDInfo(
+      CRYPT_OID_INFO_OID_KEY, const_cast<char*>(hashOid.c_str()), CRYPT_HASH_ALG_OID_GROUP_ID);
+  return info != nullptr && HashWith(info->Algid, data, size, digest) == HashStatus::kOk;
+}
+
+ImprintMatch MatchImprint(const std::string& hashOid, const uint8_t* imprint, size_t imprintSize,
+                          const uint8_t* data, size_t size) {
+  std::vector<uint8_t> digest;
+  if (!HashBytes(hashOid, data, size, &digest)) return ImprintMatch::kNoHash;
+  return digest.size() == imprintSize && std::equal(digest.begin(), digest.end(), imprint)
+             ? ImprintMatch::kMatches
+             : ImprintMatch::kDiffers;
 }
 
 std::string HexLower(const std::vector<uint8_t>& bytes) {

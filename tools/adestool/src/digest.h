@@ -3,6 +3,7 @@
 #ifndef ADESTOOL_DIGEST_H
 #define ADESTOOL_DIGEST_H
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -34,6 +35,21 @@ const HashAlgorithm& SelectHash(const std::string* name, std::string_view comman
 // Digest: the hash of data. Throws ToolError (status 2) when the platform
 // does not provide the algorithm ("hash gost94 is not available here").
 std::vector<uint8_t> Digest(const HashAlgorithm& algorithm, const std::vector<uint8_t>& data);
+
+// HashBytes: the hash of data under the algorithm of OID hashOid, any the
+// platform's hash group knows (CryptFindOIDInfo), not only those above.
+// Returns false, digest unspecified, when the platform has no such hash.
+bool HashBytes(const std::string& hashOid, const uint8_t* data, size_t size,
+               std::vector<uint8_t>* digest);
+
+// The outcome of comparing a time-stamp token's imprint with data.
+enum class ImprintMatch { kMatches, kDiffers, kNoHash };
+
+// MatchImprint: whether imprint (imprintSize octets) is the hash of data
+// under hashOid (RFC 3161 2.4.2 messageImprint); kNoHash when the platform
+// has no such hash. `extend` picks tokens with it, `inspect` reports it.
+ImprintMatch MatchImprint(const std::string& hashOid, const uint8_t* imprint, size_t imprintSize,
+                          const uint8_t* data, size_t size);
 
 // HexLower: bytes as lower-case hex without separators.
 std::string HexLower(const std::vector<uint8_t>& bytes);

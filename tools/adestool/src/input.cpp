@@ -11,6 +11,7 @@
 #include "base64.h"
 #include "pem.h"
 #include "tool_error.h"
+#include "utf8.h"
 
 namespace adestool {
 
@@ -36,25 +37,10 @@ bool IsText(const uint8_t* p, size_t n) {
       ++i;
       continue;
     }
-    size_t len;
-    uint32_t min;
-    uint32_t cp;
-    if ((c & 0xE0) == 0xC0) {
-      len = 2, min = 0x80, cp = c & 0x1F;
-    } else if ((c & 0xF0) == 0xE0) {
-      len = 3, min = 0x800, cp = c & 0x0F;
-    } else if ((c & 0xF8) == 0xF0) {
-      len = 4, min = 0x10000, cp = c & 0x07;
-    } else {
-      return false;
-    }
-    if (n - i < len) return false;
-    for (size_t k = 1; k < len; ++k) {
-      if ((p[i + k] & 0xC0) != 0x80) return false;
-      cp = (cp << 6) | (p[i + k] & 0x3F);
-    }
-    if (cp < min || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) return false;
-    if (cp >= 0x80 && cp < 0xA0) return false;  // C1 controls
+    uint32_t cp = 0;
+    const size_t len = Utf8Decode(p + i, n - i, &cp);
+    if (len == 0) return false;
+    if (cp < 0xA0) return false;  // C1 controls
     i += len;
   }
   return true;

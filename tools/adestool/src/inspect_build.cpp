@@ -10,8 +10,11 @@
 #include <set>
 
 #include "attribute_describe.h"
+#include "cades_extension.h"
 #include "cades_level.h"
+#include "digest.h"
 #include "inspect_crypto.h"
+#include "tool_error.h"
 #include "value_text.h"
 
 namespace adestool {
@@ -21,7 +24,6 @@ namespace {
 using namespace asn1data;
 
 constexpr char kMessageDigestOid[] = "1.2.840.113549.1.9.4";
-constexpr char kRevocationValuesOid[] = "1.2.840.113549.1.9.16.2.24";
 constexpr char kRsaPssOid[] = "1.2.840.113549.1.1.10";
 
 const ASN1T_Attribute *FindAttribute(const ASN1T_SignedAttributes &attrs, const char *oid) {
@@ -208,6 +210,35 @@ void AddLevel(const ASN1T_SignerInfo &si, ReportNode *signer) {
   }
 }
 
+// EscData: what signer index's CAdES-C time-stamp covers, computed as
+// `imprint --for esc` computes it; empty when the signer has no such
+// time-stamp or the data cannot be formed (no signature time-stamp, a
+// reference attribute missing or repeated, bytes that do not lay out).
+std::vector<uint8_t> EscData(const SignedMessage &message, size_t index) {
+  const SignedDataLayout *layout = message.layout();
+  if (layout == nullptr || index >= layout->signers.size()) return {};
+  const SignerLayout &signer = layout->signers[index];
+  if (signer.FindUnsigned(oids::kEscTimeStamp).empty()) return {};
+  try {
+    return EscImprintData(*message.walker(), signer, index, nullptr);
+  } catch (const ToolError &) {
+    return {};
+  }
+}
+
+// ImprintFailure: the --verify failure of a time-stamp attribute whose
+// imprint does not match what it covers, empty for the attributes whose
+// imprints --verify does not hold to (content and archive time-stamps).
+std::string ImprintFailure(const std::string &oid) {
+  if (oid == oids::kSignatureTimeStamp) {
+    return "signature time-stamp: the token's imprint does not match the signature value";
+  }
+  if (oid == oids::kEscTimeStamp) {
+    return "CAdES-C time-stamp: the token's imprint does not match the CAdES-C data";
+  }
+  return std::string();
+}
+
 ReportNode SignerNode(const SignerContext &ctx, size_t index, std::vector<std::string> *failures) {
   const ASN1T_SignerInfo &si = ctx.message.signedData().signerInfos.elem[index];
   ReportNode node = ReportNode::Object("", "signer " + std::to_string(index + 1));
@@ -225,6 +256,11 @@ ReportNode SignerNode(const SignerContext &ctx, size_t index, std::vector<std::s
   sources.signatureSize = si.signature.numocts;
   sources.content = ctx.content;
   sources.contentSize = ctx.contentSize;
+  const std::vector<uint8_t> escData = EscData(ctx.message, index);
+  if (!escData.empty()) {
+    sources.escData = escData.data();
+    sources.escDataSize = escData.size();
+  }
 
   ReportNode &signedAttrs = node.Add(ReportNode::Array("signed_attributes", "signed attributes"));
   if (si.m.signedAttrsPresent) {
@@ -236,7 +272,12 @@ ReportNode SignerNode(const SignerContext &ctx, size_t index, std::vector<std::s
       node.Add(ReportNode::Array("unsigned_attributes", "unsigned attributes"));
   if (si.m.unsignedAttrsPresent) {
     for (ASN1UINT i = 0; i < si.unsignedAttrs.n; ++i) {
-      DescribeAttribute(si.unsignedAttrs.elem[i], sources, &unsignedAttrs);
+      const ASN1T_Attribute &attr = si.unsignedAttrs.elem[i];
+      const size_t mismatches = DescribeAttribute(attr, sources, &unsignedAttrs);
+      const std::string failure = ImprintFailure(DottedOid(attr.type));
+      if (ctx.options.verify && mismatches > 0 && !failure.empty()) {
+        failures->push_back("signer " + std::to_string(index + 1) + ": " + failure);
+      }
     }
   }
   AddLevel(si, &node);
@@ -299,7 +340,7 @@ std::vector<std::vector<uint8_t>> CarriedCrls(const SignedMessage &message) {
     if (!si.m.unsignedAttrsPresent) continue;
     for (ASN1UINT a = 0; a < si.unsignedAttrs.n; ++a) {
       const ASN1T_Attribute &attr = si.unsignedAttrs.elem[a];
-      if (DottedOid(attr.type) != kRevocationValuesOid) continue;
+      if (DottedOid(attr.type) != oids::kRevocationValues) continue;
       for (ASN1UINT v = 0; v < attr.values.n; ++v) {
         try {
           Korvex::PKI::CAdES::CRevocationValues values;

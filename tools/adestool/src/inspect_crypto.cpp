@@ -1,4 +1,4 @@
-// inspect_crypto.cpp: digests, signature values and chains through the
+// inspect_crypto.cpp: signature values and chains through the
 // platform's CryptoAPI and the library's chain check.
 #include "inspect_crypto.h"
 
@@ -134,19 +134,6 @@ std::string CurrentConfig() {
 }
 
 }  // namespace
-
-bool HashBytes(const std::string &hashOid, const uint8_t *data, size_t size,
-               std::vector<uint8_t> *digest) {
-  Provider prov;
-  Hash hash;
-  if (!StartHash(prov.get(), hashOid, data, size, &hash)) return false;
-  DWORD length = 0;
-  if (!CryptGetHashParam(hash.handle_, HP_HASHVAL, nullptr, &length, 0)) return false;
-  digest->assign(length, 0);
-  if (!CryptGetHashParam(hash.handle_, HP_HASHVAL, digest->data(), &length, 0)) return false;
-  digest->resize(length);
-  return true;
-}
 
 CheckResult VerifySignatureValue(const std::vector<uint8_t> &certDer, const std::string &hashOid,
                                  const uint8_t *signedData, size_t signedSize,

@@ -1,5 +1,6 @@
 // inspect_crypto.h: the checks of `adestool inspect --verify`, through the
-// platform's CryptoAPI: digests, signature values and certificate chains.
+// platform's CryptoAPI: signature values and certificate chains (digests
+// are digest.h's).
 #ifndef ADESTOOL_INSPECT_CRYPTO_H
 #define ADESTOOL_INSPECT_CRYPTO_H
 
@@ -9,12 +10,6 @@
 #include <vector>
 
 namespace adestool {
-
-// HashBytes computes the digest of data with the hash algorithm of OID
-// hashOid (the platform's hash group, CryptFindOIDInfo). Returns false when
-// the platform has no such hash.
-bool HashBytes(const std::string &hashOid, const uint8_t *data, size_t size,
-               std::vector<uint8_t> *digest);
 
 // The outcome of one check.
 struct CheckResult {

@@ -5,33 +5,16 @@
 #include <cstdio>
 #include <stdexcept>
 
+#include "utf8.h"
+
 namespace adestool {
 
 namespace {
 
 // Length of the valid UTF-8 sequence at p (RFC 3629), or 0.
 size_t Utf8SequenceLength(const unsigned char* p, size_t n) {
-  unsigned char c = p[0];
-  size_t len;
-  uint32_t min;
-  uint32_t cp;
-  if (c < 0x80) return 1;
-  if ((c & 0xE0) == 0xC0) {
-    len = 2, min = 0x80, cp = c & 0x1F;
-  } else if ((c & 0xF0) == 0xE0) {
-    len = 3, min = 0x800, cp = c & 0x0F;
-  } else if ((c & 0xF8) == 0xF0) {
-    len = 4, min = 0x10000, cp = c & 0x07;
-  } else {
-    return 0;
-  }
-  if (n < len) return 0;
-  for (size_t k = 1; k < len; ++k) {
-    if ((p[k] & 0xC0) != 0x80) return 0;
-    cp = (cp << 6) | (p[k] & 0x3F);
-  }
-  if (cp < min || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) return 0;
-  return len;
+  uint32_t cp = 0;
+  return Utf8Decode(p, n, &cp);
 }
 
 }  // namespace

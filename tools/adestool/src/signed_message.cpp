@@ -1,11 +1,10 @@
-// signed_message.cpp: decoding a ContentInfo into a SignedData, and finding
-// the signed attributes in the bytes as they arrived.
+// signed_message.cpp: decoding a ContentInfo into a SignedData, and laying
+// out the bytes as they arrived.
 #include "signed_message.h"
 
 #include <utility>
 
 #include "asn1_names.h"
-#include "asn1_reader.h"
 #include "asn1_tree.h"
 #include "tool_error.h"
 #include "value_text.h"
@@ -13,10 +12,6 @@
 namespace adestool {
 
 namespace {
-
-constexpr ASN1TAG kSequence = TM_UNIV | TM_CONS | ASN_ID_SEQ;
-constexpr ASN1TAG kSet = TM_UNIV | TM_CONS | ASN_ID_SET;
-constexpr ASN1TAG kContext0 = TM_CTXT | TM_CONS | 0;
 
 const char *StatusMeaning(int status) {
   switch (status) {
@@ -56,87 +51,6 @@ std::string DecodeFailure(const std::vector<uint8_t> &bytes, int status) {
          std::to_string(status) + ")";
 }
 
-// Element is one TLV in the message bytes.
-struct Element {
-  Asn1Header header;
-  size_t offset = 0;
-  size_t end = 0;  // past the contents (and the end-of-contents octets)
-  size_t contentStart() const { return offset + header.headerLength; }
-};
-
-// ElementAt reads the element at offset within limit, following
-// indefinite lengths to their end-of-contents octets (X.690 8.1.5).
-bool ElementAt(Asn1Reader &reader, size_t offset, size_t limit, int depth, Element *out) {
-  if (depth > kMaxTreeDepth || offset >= limit) return false;
-  Element e;
-  e.offset = offset;
-  if (reader.ReadHeader(offset, limit, &e.header) != 0) return false;
-  size_t pos = e.contentStart();
-  if (!e.header.indefinite) {
-    if (e.header.length > limit - pos) return false;
-    e.end = pos + e.header.length;
-    *out = e;
-    return true;
-  }
-  while (true) {
-    if (limit - pos >= 2 && reader.data()[pos] == 0 && reader.data()[pos + 1] == 0) {
-      e.end = pos + 2;
-      *out = e;
-      return true;
-    }
-    Element child;
-    if (!ElementAt(reader, pos, limit, depth + 1, &child)) return false;
-    pos = child.end;
-  }
-}
-
-// Children: the elements inside a constructed element.
-bool Children(Asn1Reader &reader, const Element &parent, int depth, std::vector<Element> *out) {
-  out->clear();
-  size_t pos = parent.contentStart();
-  size_t stop = parent.header.indefinite ? parent.end - 2 : parent.end;
-  while (pos < stop) {
-    Element child;
-    if (!ElementAt(reader, pos, stop, depth + 1, &child)) return false;
-    out->push_back(child);
-    pos = child.end;
-  }
-  return true;
-}
-
-// SignedDataElement finds the SignedData inside the ContentInfo (RFC 5652 3).
-bool SignedDataElement(Asn1Reader &reader, Element *out) {
-  Element contentInfo;
-  std::vector<Element> children;
-  if (!ElementAt(reader, 0, reader.size(), 0, &contentInfo) ||
-      contentInfo.header.tag != kSequence || !Children(reader, contentInfo, 0, &children) ||
-      children.size() < 2 || children[1].header.tag != kContext0) {
-    return false;
-  }
-  Element explicitContent = children[1];
-  if (!Children(reader, explicitContent, 1, &children) || children.size() != 1 ||
-      children[0].header.tag != kSequence) {
-    return false;
-  }
-  *out = children[0];
-  return true;
-}
-
-// SignerInfoElement finds SignerInfo index: ContentInfo, [0], SignedData,
-// its last SET (signerInfos), its element index (RFC 5652 3, 5.1).
-bool SignerInfoElement(Asn1Reader &reader, size_t index, Element *out) {
-  Element signedData;
-  std::vector<Element> children;
-  if (!SignedDataElement(reader, &signedData) || !Children(reader, signedData, 2, &children) ||
-      children.empty() || children.back().header.tag != kSet) {
-    return false;
-  }
-  Element signerInfos = children.back();
-  if (!Children(reader, signerInfos, 3, &children) || index >= children.size()) return false;
-  *out = children[index];
-  return true;
-}
-
 void AppendDerLength(size_t length, std::vector<uint8_t> *out) {
   if (length < 0x80) {
     out->push_back(static_cast<uint8_t>(length));
@@ -157,7 +71,7 @@ std::unique_ptr<SignedMessage> SignedMessage::Decode(const std::string &name,
   message->bytes_ = std::move(bytes);
   const std::vector<uint8_t> &data = message->bytes_;
   if (data.size() > 0x7FFFFFFF) throw FileError(name, "not a CMS ContentInfo: too large");
-  if (rtInitContext(&message->ctxt_, nullptr) != 0) throw std::bad_alloc();
+  if (OpenDecodeContext(&message->ctxt_) != 0) throw std::bad_alloc();
   message->ctxtOpen_ = true;
   int status =
       xd_setp(&message->ctxt_, data.data(), static_cast<int>(data.size()), nullptr, nullptr);
@@ -175,6 +89,17 @@ std::unique_ptr<SignedMessage> SignedMessage::Decode(const std::string &name,
   message->signedData_ = static_cast<const asn1data::ASN1T_SignedData *>(info.content.decoded);
   if (message->signedData_ == nullptr) {
     throw FileError(name, "not a CMS SignedData: its content does not decode as SignedData");
+  }
+  // The layout reads the ContentInfo where it starts; bytes after it (padding
+  // left by the tool that wrote the signature) are no part of it.
+  message->walker_ = std::make_unique<DerWalker>(message->bytes_, name);
+  try {
+    const DerElement contentInfo = message->walker_->Read(0, data.size(), "ContentInfo");
+    message->layout_ =
+        std::make_unique<SignedDataLayout>(ReadSignedDataIn(*message->walker_, contentInfo));
+  } catch (const ToolError &) {
+    // The report still comes from the decoded values; what needs the
+    // layout is shown as not available.
   }
   return message;
 }
@@ -200,47 +125,31 @@ size_t SignedMessage::contentSize() const {
 
 std::vector<uint8_t> SignedMessage::SignedAttributesDer(size_t index) const {
   std::vector<uint8_t> der;
-  Asn1Reader reader(bytes_.data(), bytes_.size());
-  Element signerInfo;
-  std::vector<Element> fields;
-  if (!SignerInfoElement(reader, index, &signerInfo) || !Children(reader, signerInfo, 4, &fields)) {
-    return der;
-  }
+  if (!layout_ || index >= layout_->signers.size()) return der;
   // version, sid, digestAlgorithm, then [0] IMPLICIT signedAttrs if present.
-  if (fields.size() < 4 || fields[3].header.tag != kContext0) return der;
-  const Element &attrs = fields[3];
-  size_t contentEnd = attrs.header.indefinite ? attrs.end - 2 : attrs.end;
-  size_t length = contentEnd - attrs.contentStart();
+  const std::vector<DerElement> &fields = layout_->signers[index].fields;
+  if (fields.size() < 4 || fields[3].tag != ContextTag(0)) return der;
+  const DerElement &attrs = fields[3];
   der.push_back(0x31);  // SET OF (X.690 8.12), in place of the [0] tag
-  AppendDerLength(length, &der);
-  der.insert(der.end(), bytes_.begin() + static_cast<long>(attrs.contentStart()),
-             bytes_.begin() + static_cast<long>(contentEnd));
+  AppendDerLength(attrs.contentLength(), &der);
+  der.insert(der.end(), bytes_.begin() + static_cast<long>(attrs.contentOffset()),
+             bytes_.begin() + static_cast<long>(attrs.contentEnd));
   return der;
 }
 
 std::vector<std::vector<uint8_t>> SignedMessage::CertificateEncodings() const {
-  return FieldElements(0);
+  return layout_ ? Encodings(layout_->certificates) : std::vector<std::vector<uint8_t>>();
 }
 
-std::vector<std::vector<uint8_t>> SignedMessage::CrlEncodings() const { return FieldElements(1); }
+std::vector<std::vector<uint8_t>> SignedMessage::CrlEncodings() const {
+  return layout_ ? Encodings(layout_->crls) : std::vector<std::vector<uint8_t>>();
+}
 
-std::vector<std::vector<uint8_t>> SignedMessage::FieldElements(unsigned tagNumber) const {
+std::vector<std::vector<uint8_t>> SignedMessage::Encodings(
+    const std::vector<DerElement> &elements) const {
   std::vector<std::vector<uint8_t>> out;
-  Asn1Reader reader(bytes_.data(), bytes_.size());
-  Element signedData;
-  std::vector<Element> fields;
-  if (!SignedDataElement(reader, &signedData) || !Children(reader, signedData, 2, &fields)) {
-    return out;
-  }
-  for (const Element &field : fields) {
-    if (field.header.tag != (TM_CTXT | TM_CONS | tagNumber)) continue;
-    std::vector<Element> items;
-    if (!Children(reader, field, 3, &items)) return out;
-    for (const Element &item : items) {
-      out.emplace_back(bytes_.begin() + static_cast<long>(item.offset),
-                       bytes_.begin() + static_cast<long>(item.end));
-    }
-  }
+  out.reserve(elements.size());
+  for (const DerElement &e : elements) out.push_back(walker_->Slice(e));
   return out;
 }
 

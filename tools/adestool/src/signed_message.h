@@ -4,9 +4,10 @@
 // The whole ContentInfo is decoded once into one runtime context; the
 // table-constrained open types inside (attribute values, the encapsulated
 // content, time-stamp tokens) come typed where the catalogue knows them.
-// The message also finds, in the bytes as they arrived, each signer's
-// signed attributes, whose DER with a SET OF tag is what the signature
-// covers (RFC 5652 5.4).
+// The message also lays out the bytes as they arrived (cms_layout.h), the
+// same walk `imprint` and `extend` make: each signer's signed attributes,
+// whose DER with a SET OF tag is what the signature covers (RFC 5652 5.4),
+// its unsigned attributes as they stand, and the certificates and CRLs.
 #ifndef ADESTOOL_SIGNED_MESSAGE_H
 #define ADESTOOL_SIGNED_MESSAGE_H
 
@@ -18,6 +19,10 @@
 #include <memory>
 #include <string>
 #include <vector>
+
+#include "cms_layout.h"
+#include "decode_context.h"
+#include "der_walk.h"
 
 namespace adestool {
 
@@ -52,11 +57,19 @@ class SignedMessage {
   std::vector<std::vector<uint8_t>> CertificateEncodings() const;
   std::vector<std::vector<uint8_t>> CrlEncodings() const;
 
+  // layout / walker: the layout of the bytes and the walker over them, null
+  // when the bytes do not lay out as a SignedData (cms_layout.h is stricter
+  // than the decoder in a few places: no signers, deeply segmented strings).
+  const SignedDataLayout *layout() const { return layout_.get(); }
+  const DerWalker *walker() const { return walker_.get(); }
+
  private:
   SignedMessage() = default;
-  std::vector<std::vector<uint8_t>> FieldElements(unsigned tagNumber) const;
+  std::vector<std::vector<uint8_t>> Encodings(const std::vector<DerElement> &elements) const;
 
   std::vector<uint8_t> bytes_;
+  std::unique_ptr<DerWalker> walker_;  // over bytes_
+  std::unique_ptr<SignedDataLayout> layout_;
   ASN1CTXT ctxt_{};
   bool ctxtOpen_ = false;
   asn1data::ASN1T_ContentInfo contentInfo_;
@@ -73,7 +86,7 @@ class Decoded {
   using FreeFn = void (*)(ASN1CTXT *, Record *);
   Decoded(const uint8_t *data, size_t size, DecodeFn decode, FreeFn free)
       : bytes_(data, data + size), free_(free) {
-    if (rtInitContext(&ctxt_, nullptr) != 0) return;
+    if (OpenDecodeContext(&ctxt_) != 0) return;
     open_ = true;
     if (bytes_.empty() || bytes_.size() > 0x7FFFFFFF) return;
     if (xd_setp(&ctxt_, bytes_.data(), static_cast<int>(bytes_.size()), nullptr, nullptr) < 0) {

@@ -60,7 +60,9 @@ bool typeMatches(const TypeDesc* d, ASN1TAG tag) {
         d = d->inner;
         continue;
       case kChoice:
-        return choiceIndex(d, tag) >= 0 || (d->flags & kExtensible);
+        // An unknown alternative may follow '...', but never UNIVERSAL 0
+        // (end-of-contents, X.690 8.1.5).
+        return choiceIndex(d, tag) >= 0 || ((d->flags & kExtensible) && (tag & ~TM_CONS) != 0);
       case kOpenType:
       case kTableOpenType:
         return true;

@@ -92,6 +92,16 @@ bool atEnd(ASN1CTXT* ctxt, ASN1UINT start, int length) {
   return xd_chkend(ctxt, start, length) != 0;
 }
 
+// Whether the element at the cursor has the tag UNIVERSAL 0, which X.680 8.6
+// reserves for the encoding rules and X.690 8.1.5 gives to end-of-contents. It
+// is never an unknown extension addition or alternative, so the places that
+// step over unknown elements refuse it as the type without extensions would.
+// One octet decides: the high-tag-number form of 0 is refused by the tag reader.
+bool atReservedTag(const ASN1CTXT* ctxt) {
+  const ASN1UINT i = ctxt->buffer.byteIndex;
+  return i < ctxt->buffer.size && (ctxt->buffer.data[i] & ~0x20u) == 0;
+}
+
 // Closes a constructed element that began at start: its end-of-contents octets
 // for an indefinite length, or an exact fit of a definite one.
 int closeElement(ASN1CTXT* ctxt, ASN1UINT start, int length) {
@@ -189,7 +199,7 @@ int decodeSequence(Walk& w, const TypeDesc* d, void* rec, int length) {
   }
   while (!atEnd(ctxt, start, length)) {
     // X.680 25.1 with '...': unknown extension additions are skipped.
-    if (!(d->flags & kExtensible)) return fail(ctxt, ASN_E_NOTINSEQ);
+    if (!(d->flags & kExtensible) || atReservedTag(ctxt)) return fail(ctxt, ASN_E_NOTINSEQ);
     int stat = xd_NextElement(ctxt);
     if (stat < 0) return fail(ctxt, stat);
     stat = checkInside(ctxt, start, length);
@@ -217,7 +227,7 @@ int decodeSet(Walk& w, const TypeDesc* d, void* rec, int length) {
     unsigned i = 0;
     while (i < d->memberCount && !memberMatches(&d->members[i], tag)) ++i;
     if (i == d->memberCount) {
-      if (!(d->flags & kExtensible)) {
+      if (!(d->flags & kExtensible) || atReservedTag(ctxt)) {
         stat = fail(ctxt, ASN_E_NOTINSEQ);
         break;
       }
@@ -257,7 +267,7 @@ int decodeChoice(Walk& w, const TypeDesc* d, void* rec) {
   if (stat < 0) return stat;
   int index = choiceIndex(d, tag);
   if (index < 0) {
-    if (!(d->flags & kExtensible)) return fail(ctxt, ASN_E_IDNOTFOU);
+    if (!(d->flags & kExtensible) || atReservedTag(ctxt)) return fail(ctxt, ASN_E_IDNOTFOU);
     // An unknown alternative of an extensible CHOICE is kept as it stands.
     ASN1OpenType* ext = rtMemAllocTypeZ(ctxt, ASN1OpenType);
     if (!ext) return fail(ctxt, ASN_E_NOMEM);

@@ -11,12 +11,41 @@
 // chunk counts its live blocks so that it goes back to the free function when
 // the last of them is freed. Decoding a certificate then costs a handful of
 // allocation calls instead of one per field, and its blocks sit side by side.
+//
+// Under AddressSanitizer the parts of a chunk that belong to no live block
+// (carved headers, the padding after each block, freed blocks, the unused
+// tail) are poisoned, so that an overrun from one carved block into the next
+// is reported as it would be between two malloc blocks.
 #include <cstdlib>
 #include <cstring>
 
 #include "rtintern.h"
 
+#if defined(__SANITIZE_ADDRESS__)
+#define KORVEX_HEAP_ASAN 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define KORVEX_HEAP_ASAN 1
+#endif
+#endif
+
+#ifdef KORVEX_HEAP_ASAN
+#include <sanitizer/asan_interface.h>
+// Reads and writes of carved headers, which lie in poisoned memory.
+#define KORVEX_HEADER_ACCESS __attribute__((no_sanitize_address, noinline))
+#else
+#define KORVEX_HEADER_ACCESS inline
+#endif
+
 namespace {
+
+#ifdef KORVEX_HEAP_ASAN
+inline void Poison(const void* p, size_t n) { ASAN_POISON_MEMORY_REGION(p, n); }
+inline void Unpoison(const void* p, size_t n) { ASAN_UNPOISON_MEMORY_REGION(p, n); }
+#else
+inline void Poison(const void*, size_t) {}
+inline void Unpoison(const void*, size_t) {}
+#endif
 
 rtMallocFunc g_malloc = rtDefaultMalloc;
 rtReallocFunc g_realloc = rtDefaultRealloc;
@@ -39,6 +68,26 @@ inline void* PayloadOf(ASN1MemBlock* block) { return block + 1; }
 
 inline size_t Round16(size_t n) { return (n + 15) & ~static_cast<size_t>(15); }
 
+// The header word before the size: a carved block's chunk, null for an
+// ordinary block (whose header is never poisoned).
+KORVEX_HEADER_ACCESS ASN1CarveChunk* HeaderChunk(const void* p) { return CarvedOf(p)->chunk; }
+
+// The size is the last header word for both kinds of block.
+KORVEX_HEADER_ACCESS size_t HeaderSize(const void* p) { return CarvedOf(p)->size; }
+
+KORVEX_HEADER_ACCESS void SetHeaderSize(void* p, size_t n) { CarvedOf(p)->size = n; }
+
+KORVEX_HEADER_ACCESS void SetCarvedHeader(ASN1CarvedBlock* carved, ASN1CarveChunk* chunk,
+                                          size_t n) {
+  carved->chunk = chunk;
+  carved->size = n;
+}
+
+// The bytes of a chunk after its ASN1CarveChunk record.
+inline unsigned char* CarveArea(ASN1CarveChunk* chunk) {
+  return reinterpret_cast<unsigned char*>(chunk) + sizeof(ASN1CarveChunk);
+}
+
 // One allocation of its own, linked in at the head of the list.
 void* AllocBlock(ASN1MemHeap* heap, size_t n) {
   auto* block =
@@ -53,7 +102,10 @@ void* AllocBlock(ASN1MemHeap* heap, size_t n) {
   return PayloadOf(block);
 }
 
+// Memory goes back to the allocation function addressable: it may be a pool
+// of the caller's that hands it out again (a no-op for other blocks than chunks).
 void FreeBlock(ASN1MemHeap* heap, ASN1MemBlock* block) {
+  Unpoison(PayloadOf(block), block->size);
   if (block->next) block->next->prev = block->prev;
   if (block->prev) {
     block->prev->next = block->next;
@@ -76,6 +128,7 @@ ASN1CarveChunk* NewChunk(ASN1MemHeap* heap, size_t need) {
   chunk->capacity = bytes;
   chunk->live = 0;
   chunk->pad = 0;
+  Poison(CarveArea(chunk), bytes - sizeof(ASN1CarveChunk));
   auto* old = static_cast<ASN1CarveChunk*>(heap->carveChunk);
   if (old && old->live == 0) FreeBlock(heap, BlockOf(old));
   heap->carveChunk = chunk;
@@ -94,18 +147,20 @@ void* Carve(ASN1MemHeap* heap, size_t n) {
       reinterpret_cast<ASN1CarvedBlock*>(reinterpret_cast<unsigned char*>(chunk) + chunk->used);
   chunk->used += need;
   ++chunk->live;
-  carved->chunk = chunk;
-  carved->size = n;
+  SetCarvedHeader(carved, chunk, n);
+  Unpoison(carved + 1, n);
   return carved + 1;
 }
 
 // The last live block of a chunk takes the chunk with it; the heap's current
 // chunk is only rewound, so that a decode-free loop reuses it.
-void FreeCarved(ASN1MemHeap* heap, ASN1CarvedBlock* carved) {
-  ASN1CarveChunk* chunk = carved->chunk;
+void FreeCarved(ASN1MemHeap* heap, void* p) {
+  ASN1CarveChunk* chunk = HeaderChunk(p);
+  Poison(p, Round16(HeaderSize(p)));
   if (--chunk->live != 0) return;
   if (chunk == heap->carveChunk) {
     chunk->used = sizeof(ASN1CarveChunk);
+    Poison(CarveArea(chunk), chunk->capacity - sizeof(ASN1CarveChunk));
   } else {
     FreeBlock(heap, BlockOf(chunk));
   }
@@ -166,16 +221,17 @@ void* rtMemHeapAllocZ(void** ppHeap, size_t n) {
 void* rtMemHeapRealloc(void** ppHeap, void* p, size_t n) {
   if (!ppHeap || !*ppHeap) return nullptr;
   if (!p) return rtMemHeapAlloc(ppHeap, n);
-  // The size is the last header word for both kinds of block.
-  ASN1CarvedBlock* header = CarvedOf(p);
-  // Blocks never shrink: the smaller size is recorded, the bytes stay.
-  if (header->size >= n) {
-    header->size = n;
+  const size_t size = HeaderSize(p);
+  // Blocks never shrink: the smaller size is recorded, the bytes stay (and a
+  // carved block's bytes past it are poisoned again).
+  if (size >= n) {
+    SetHeaderSize(p, n);
+    if (HeaderChunk(p) && Round16(size) > n) Poison(static_cast<char*>(p) + n, Round16(size) - n);
     return p;
   }
   void* grown = rtMemHeapAlloc(ppHeap, n);
   if (!grown) return nullptr;
-  std::memcpy(grown, p, header->size);
+  std::memcpy(grown, p, size);
   rtMemHeapFreePtr(ppHeap, p);
   return grown;
 }
@@ -183,9 +239,8 @@ void* rtMemHeapRealloc(void** ppHeap, void* p, size_t n) {
 void rtMemHeapFreePtr(void** ppHeap, void* p) {
   if (!p || !ppHeap || !*ppHeap) return;
   auto* heap = static_cast<ASN1MemHeap*>(*ppHeap);
-  ASN1CarvedBlock* carved = CarvedOf(p);
-  if (carved->chunk) {
-    FreeCarved(heap, carved);
+  if (HeaderChunk(p)) {
+    FreeCarved(heap, p);
   } else {
     FreeBlock(heap, BlockOf(p));
   }
@@ -217,6 +272,7 @@ void rtMemHeapRelease(void** ppHeap) {
   void* userData = heap->pAllocUserData;
   for (ASN1MemBlock* block = heap->newest; block;) {
     ASN1MemBlock* older = block->next;
+    Unpoison(PayloadOf(block), block->size);
     g_free(userData, block);
     block = older;
   }
@@ -235,8 +291,7 @@ int rtMemHeapMarkSaved(void**, const void*, ASN1BOOL) { return ASN_OK; }
 
 int rtMemHeapCheckPtr(void**, const void*) { return 1; }
 
-// The size is the last header word for both kinds of block.
-size_t rtMemHeapBlockSize(const void* p) { return p ? CarvedOf(p)->size : 0; }
+size_t rtMemHeapBlockSize(const void* p) { return p ? HeaderSize(p) : 0; }
 
 size_t rtMemHeapBlockCount(void** ppHeap) {
   if (!ppHeap || !*ppHeap) return 0;

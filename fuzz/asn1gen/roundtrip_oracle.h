@@ -15,10 +15,15 @@ namespace Fuzz {
 // the first decode decodes and re-encodes to itself, and to a value equal to
 // the first one, compared member by member); a deep copy encodes the
 // same; and free gives back every heap block decode and copy took. Any breach
-// aborts.
-void CheckRoundTrip(const Asn1Engine::TypeDesc* desc, const uint8_t* data, size_t size);
+// aborts. With carving, the decode context's heap cuts small blocks from chunks
+// (rtMemHeapSetCarving), and every carved block must be freed too.
+void CheckRoundTrip(const Asn1Engine::TypeDesc* desc, const uint8_t* data, size_t size,
+                    bool carving = false);
 
-// The leading byte of the input picks one of count descriptors.
+// The leading byte of the input picks one of count descriptors (byte % count,
+// as the seeds were written) and its top bit switches carving on, so both heaps
+// are fuzzed. Lists of up to 128 types reach every type in both modes; in
+// longer lists the first 256 - count types (the top-level ones) do.
 void CheckOneOf(const Asn1Engine::TypeDesc* const* descs, size_t count, const uint8_t* data,
                 size_t size);
 

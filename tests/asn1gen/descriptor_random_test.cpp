@@ -121,6 +121,7 @@ TEST(DescriptorRandom, TestModule) {
                                    &asn1Desc_Flags,
                                    &asn1Desc_Record,
                                    &asn1Desc_Settings,
+                                   &asn1Desc_Options,
                                    &asn1Desc_Names,
                                    &asn1Desc_Choice,
                                    &asn1Desc_Tree};

@@ -3,6 +3,7 @@
 // here. Every case also frees what was decoded and checks that no heap block
 // is left (ExpectDecodeStatus).
 #include <gtest/gtest.h>
+#include <korvex/asn1gen/Gost28147_89_EncryptionSyntax.h>
 #include <korvex/asn1gen/KorvexTestAlgorithms.h>
 #include <korvex/asn1rt/ASN1CTime.h>
 
@@ -204,6 +205,44 @@ TEST(HostileInput, ZeroLengthAndEmptyOpenTypes) {
   EXPECT_EQ(rec.parameters.decoded, nullptr);
   EXPECT_EQ(rec.parameters.numocts, 3u);
   korvextest::asn1Free_AlgorithmIdentifier(c.ctxt(), &rec);
+}
+
+// 30 07 06 03 55 04 00 00 00: UNIVERSAL 0 is reserved for end-of-contents
+// (X.690 8.1.5, X.680 8.6), so inside definite-length contents it is no unknown
+// extension addition or alternative: an extensible SEQUENCE or SET refuses it
+// as an element after the last component (-10), an extensible CHOICE as a tag
+// it does not know (-3), as they would without the extension marker.
+TEST(HostileInput, BlobParametersUniversal0Elements) {
+  const std::string kParamSet = "0603550400";
+  ExpectStatuses(
+      KORVEX_FUNCTIONS(asn1data, Gost28147_89_BlobParameters),
+      {
+          {"00 00 after the last component", "3007" + kParamSet + "0000", ASN_E_NOTINSEQ},
+          {"constructed 20 00", "3007" + kParamSet + "2000", ASN_E_NOTINSEQ},
+          {"00 01 05 with contents", "3008" + kParamSet + "000105", ASN_E_NOTINSEQ},
+          {"00 00 after a skipped addition", "3009" + kParamSet + "0400 0000", ASN_E_NOTINSEQ},
+      });
+  // Other unknown additions are still skipped, and an indefinite length still
+  // ends at its end-of-contents.
+  ExpectRoundTrip(KORVEX_FUNCTIONS(asn1data, Gost28147_89_BlobParameters),
+                  "3007" + kParamSet + "0400", "3005" + kParamSet);
+  ExpectRoundTrip(KORVEX_FUNCTIONS(asn1data, Gost28147_89_BlobParameters),
+                  "3080" + kParamSet + "0400 0000", "3005" + kParamSet);
+
+  ExpectDecodeStatus(F(Record), "301D" + kRecord.substr(4) + "0000", ASN_E_NOTINSEQ);
+  // Options ::= SET { enabled [0] BOOLEAN, note IA5String OPTIONAL, ... }
+  ExpectStatuses(F(Options),
+                 {
+                     {"00 00 after the components", "3107 A0030101FF 0000", ASN_E_NOTINSEQ},
+                     {"00 00 before the components", "3107 0000 A0030101FF", ASN_E_NOTINSEQ},
+                     {"constructed 20 00", "3107 A0030101FF 2000", ASN_E_NOTINSEQ},
+                 });
+  ExpectRoundTrip(F(Options), "3108 040100 A0030101FF", "3105 A0030101FF");
+  ExpectStatuses(F(Choice), {
+                                {"00 00", "0000", ASN_E_IDNOTFOU},
+                                {"constructed 20 00", "2000", ASN_E_IDNOTFOU},
+                                {"00 01 05 with contents", "000105", ASN_E_IDNOTFOU},
+                            });
 }
 
 // X.690 8.3.2 (minimal INTEGER contents) and 8.1.2.4 (long-form identifiers

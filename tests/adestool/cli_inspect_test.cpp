@@ -576,6 +576,12 @@ TEST(InspectTrust, ChainAgainstGivenAnchors) {
       EXPECT_EQ("adestool: " + c.sig + ": signer 1: chain: " + chain, r.err);
     }
   }
+  // The CRLs a signature lacks come from --crl (PEM or DER; repeatable).
+  RunResult withCrlFiles =
+      RunTool({"inspect", plain, "--verify", "--trust", DataPath("pki/root-ca.der"), "--crl",
+               DataPath("crl/intermediate-ca.crl"), "--crl", DataPath("crl/root-ca.crl")});
+  EXPECT_EQ(0, withCrlFiles.status) << withCrlFiles.err;
+  ExpectContains(withCrlFiles.out, {"      chain: passed: the chain is valid for signing now\n"});
   // No temporary trust files are left behind.
   EXPECT_EQ(std::vector<std::string>({"crls.p7s"}), dir.Entries());
 }
@@ -611,6 +617,9 @@ TEST(InspectErrors, UsageAndInputErrorsGiveStatus2) {
       {"--data with attached content",
        {"inspect", attached, "--data", attached},
        "adestool: " + attached + ": carries its content; --data is for detached signatures"},
+      {"--crl without --trust",
+       {"inspect", attached, "--verify", "--crl", DataPath("crl/root-ca.crl")},
+       "adestool: inspect: --crl needs --trust (try 'adestool inspect --help')"},
       {"--trust without --verify",
        {"inspect", attached, "--trust", cert},
        "adestool: inspect: --trust needs --verify (try 'adestool inspect "

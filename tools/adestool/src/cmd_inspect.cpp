@@ -54,12 +54,26 @@ std::vector<std::vector<uint8_t>> LoadAnchors(CommandContext &context) {
   return anchors;
 }
 
+// LoadCrls: the CRLs of --crl, added to those the signature carries for the
+// revocation checks of --trust (a BES or T signature carries none).
+std::vector<std::vector<uint8_t>> LoadCrls(CommandContext &context,
+                                           std::vector<std::vector<uint8_t>> crls) {
+  for (const std::string &path : context.args().Values("crl")) {
+    Input input = context.LoadInput(path);
+    for (InputItem &item : input.items) crls.push_back(std::move(item.bytes));
+  }
+  return crls;
+}
+
 int RunInspect(CommandContext &context) {
   const ParsedArgs &args = context.args();
   ExpectPositionals(kInspectCommand, args, 1, "SIG");
   const bool verify = args.Has("verify");
   if (args.Has("trust") && !verify) {
     throw UsageError("inspect: --trust needs --verify (try 'adestool inspect --help')");
+  }
+  if (args.Has("crl") && !args.Has("trust")) {
+    throw UsageError("inspect: --crl needs --trust (try 'adestool inspect --help')");
   }
   Input input = context.LoadInput(args.positionals()[0]);
   if (input.items.size() != 1) {
@@ -87,7 +101,7 @@ int RunInspect(CommandContext &context) {
   std::unique_ptr<TrustSetup> trust;
   if (args.Has("trust")) {
     std::vector<std::vector<uint8_t>> anchors = LoadAnchors(context);
-    trust = std::make_unique<TrustSetup>(anchors, CarriedCrls(*message));
+    trust = std::make_unique<TrustSetup>(anchors, LoadCrls(context, CarriedCrls(*message)));
     options.checkChain = true;
   }
 
@@ -106,7 +120,7 @@ int RunInspect(CommandContext &context) {
 
 const Command kInspectCommand = {
     "inspect",
-    "inspect SIG [--data FILE] [--json] [--verify] [--trust FILE|DIR ...]",
+    "inspect SIG [--data FILE] [--json] [--verify] [--trust FILE|DIR ...] [--crl FILE ...]",
     "show the signers, attributes and CAdES level of a CMS signature",
     "Shows the CMS SignedData in SIG: its content, and for each signer the\n"
     "identifier, the digest and signature algorithms, every signed and\n"
@@ -121,7 +135,8 @@ const Command kInspectCommand = {
     "time-stamp whose imprint does not match what it covers fails it too.\n"
     "--trust adds a check of the signer's certificate chain now, against the\n"
     "anchor certificates in FILE (PEM or DER) or in the files of DIR; CRLs\n"
-    "the signature carries are used for revocation.\n"
+    "the signature carries, and those of --crl FILE (PEM or DER), are used\n"
+    "for revocation.\n"
     "\n"
     "Exit status: 0 when every check passed; 1 when a check failed (each\n"
     "failure is named on standard error); 2 for usage and input errors.",
@@ -130,6 +145,7 @@ const Command kInspectCommand = {
         {"json", 0, false, "", "JSON output (schema in the manual)", false},
         {"verify", 0, false, "", "check message digests and signatures", false},
         {"trust", 0, true, "FILE|DIR", "trust anchors for a chain check (with --verify)", true},
+        {"crl", 0, true, "FILE", "more CRLs for the chain check (with --trust)", true},
     },
     RunInspect,
 };

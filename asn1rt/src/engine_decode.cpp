@@ -410,7 +410,16 @@ int decodeContents(Walk& w, const TypeDesc* d, void* v, int len) {
       ASN1DynBitStr* s = static_cast<ASN1DynBitStr*>(v);
       stat = xd_bitstr(ctxt, &s->data, &s->numbits, ASN1IMPL, len);
       if (stat < 0) break;
-      return checkSize(ctxt, d->limits, s->numbits) < 0 ? ASN_E_CONSVIO : 0;
+      // A named-bit string may come with its trailing 0 bits dropped below a
+      // lower size bound (X.690 11.2.2 notes 1 and 2): only the upper binds.
+      const Limits* lim = d->limits;
+      Limits upperOnly;
+      if (lim && (d->flags & kNamedBits)) {
+        upperOnly = *lim;
+        upperOnly.flags &= static_cast<unsigned char>(~kHasLower);
+        lim = &upperOnly;
+      }
+      return checkSize(ctxt, lim, s->numbits) < 0 ? ASN_E_CONSVIO : 0;
     }
     case kOctetString: {
       ASN1DynOctStr* s = static_cast<ASN1DynOctStr*>(v);

@@ -154,13 +154,23 @@ int encodeList(Walk& w, const TypeDesc* d, void* rec) {
 int encodeBits(ASN1CTXT* ctxt, const TypeDesc* d, const ASN1DynBitStr* bits) {
   ASN1UINT numbits = bits->numbits;
   if (numbits && !bits->data) return fail(ctxt, ASN_E_BADVALUE);
+  const Limits* lim = d->limits;
+  Limits upperOnly;
   if (d->flags & kNamedBits) {
-    // X.690 11.2.2: DER drops the trailing 0 bits of a named-bit string.
+    // X.690 11.2.2: DER drops every trailing 0 bit of a named-bit string; a
+    // value with no 1 bit is 03 01 00 (note 2). The value stands for itself
+    // with any trailing 0 bits added (X.680 22.7), so a lower size bound holds
+    // by padding (note 1) and only the upper one binds.
     while (numbits && !(bits->data[(numbits - 1) / 8] & (0x80u >> ((numbits - 1) % 8)))) {
       --numbits;
     }
+    if (lim) {
+      upperOnly = *lim;
+      upperOnly.flags &= static_cast<unsigned char>(~kHasLower);
+      lim = &upperOnly;
+    }
   }
-  if (checkSize(ctxt, d->limits, numbits) < 0) return ASN_E_CONSVIO;
+  if (checkSize(ctxt, lim, numbits) < 0) return ASN_E_CONSVIO;
   int len = xe_bitstr(ctxt, bits->data, numbits, ASN1IMPL);
   return len < 0 ? fail(ctxt, len) : len;
 }

@@ -28,6 +28,19 @@ CBlob Der(T& value) {
   return value.encode();
 }
 
+// MayRefuseEncode: whether a decoded value is one its class reads but cannot
+// write. A signing time before 1950 decodes (from GeneralizedTime) into the
+// UTCTime alternative by the 2050 rule, which cannot hold its year, so its
+// encode() throws the codec code.
+template <class T>
+bool MayRefuseEncode(T const&) {
+  return false;
+}
+bool MayRefuseEncode(CAttrSigningTime const& value) {
+  CDateTime const* t = value.get_signingTime().get_time();
+  return t && t->year() < 1950;
+}
+
 // RoundTrip: make() gives a fresh value of the class under test. compare:
 // whether the value decoded from the DER must equal the first one (not for
 // SET OF, which the encoder sorts, nor for times, whose milliseconds are not
@@ -41,8 +54,14 @@ void RoundTrip(CBlob const& input, Make make, bool compare) {
     if (!Refused(e)) abort();
     return;
   }
+  CBlob der;
   try {
-    CBlob const der = Der(value);
+    der = Der(value);
+  } catch (ATL::CAtlException const& e) {
+    if (MayRefuseEncode(value) && static_cast<unsigned>(e.m_hr) == 0x80093101u) return;
+    abort();
+  }
+  try {
     T again = make();
     again.decode(der);
     if (compare && !(again == value)) abort();

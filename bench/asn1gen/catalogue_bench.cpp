@@ -48,6 +48,7 @@
 #include <string>
 #include <vector>
 
+#include "../common/cades_samples.h"
 #include "openssl_templates.h"
 
 namespace {
@@ -169,52 +170,13 @@ Korvex::CBlob Blob(const Bytes& b) {
   return Korvex::CBlob(b.data(), static_cast<unsigned long>(b.size()));
 }
 
-Korvex::CBlob Filled(unsigned char byte, unsigned long n) {
-  Korvex::CBlob blob(n);
-  for (unsigned long i = 0; i < n; ++i) blob.pbData()[i] = byte;
-  return blob;
-}
-
 Bytes ToBytes(const Korvex::CBlob& blob) {
   return Bytes(blob.pbData(), blob.pbData() + blob.cbData());
 }
 
-// The issuer Name of a CRL (RFC 5280 5.1: version, signature, issuer).
-Bytes CrlIssuer(const Bytes& crl) {
-  Tlv outer, tbs, version, signature, issuer;
-  if (!ReadTlv(crl, 0, &outer) || !ReadTlv(crl, outer.contents, &tbs) ||
-      !ReadTlv(crl, tbs.contents, &version) || !ReadTlv(crl, version.end, &signature) ||
-      !ReadTlv(crl, signature.end, &issuer)) {
-    return {};
-  }
-  return Slice(crl, issuer.start, issuer.end);
-}
-
-// CompleteRevocationRefs of count references, each a CrlOcspRef with one CRL
-// reference (hash, issuer, time, number) and one OCSP reference (responder key
-// hash, producedAt, response hash).
+// CompleteRevocationRefs of count references (bench/common/cades_samples.h).
 Bytes RevocationRefs(const Bytes& crl, long count) {
-  namespace CAdES = Korvex::PKI::CAdES;
-  using Korvex::CDateTime;
-  using Korvex::ASN1::COtherHash;
-  CAdES::CCrlIdentifier identifier(Blob(CrlIssuer(crl)), CDateTime(2024, 6, 1, 0, 0, 0, 0, 0));
-  const int number = 2;
-  identifier.put_crlNumber(&number);
-  CAdES::CCrlValidatedID validated(COtherHash(Filled(0x11, 20)));
-  validated.put_crlIdentifier(&identifier);
-  CAdES::CCRLListID crls;
-  crls.push_back(validated);
-  CAdES::COcspResponsesID ocsp(
-      CAdES::COcspIdentifier(Korvex::PKI::OCSP::CResponderID::fromKeyHash(Filled(0x22, 20)),
-                             CDateTime(2024, 6, 1, 12, 0, 0, 0, 0)));
-  const COtherHash hash(Filled(0x33, 20));
-  ocsp.put_ocspRepHash(&hash);
-  CAdES::COcspListID ocsps;
-  ocsps.push_back(ocsp);
-  CAdES::CCrlOcspRef ref;
-  ref.put_crlids(&crls);
-  ref.put_ocspids(&ocsps);
-  return ToBytes(CAdES::CCompleteRevocationRefs(static_cast<size_t>(count), ref).encode());
+  return ToBytes(Korvex::Bench::SampleRevocationRefs(Blob(crl), count).encode());
 }
 
 // RevocationValues holding count copies of one CRL.

@@ -14,6 +14,8 @@
 
 #include <string>
 
+#include "../common/cades_samples.h"
+
 namespace {
 
 using Korvex::CBlob;
@@ -28,62 +30,8 @@ CBlob Fixture(std::string const& name) {
   return blob;
 }
 
-// The issuer Name of a CRL: tbsCertList { version, signature, issuer ... }.
-CBlob CrlIssuer(CBlob const& crl) {
-  unsigned char const* p = crl.pbData();
-  auto skipHeader = [](unsigned char const*& q) {
-    ++q;
-    unsigned n = *q++;
-    if (n & 0x80) q += n & 0x7F;
-  };
-  auto skipElement = [&](unsigned char const*& q) {
-    unsigned char const* start = q++;
-    unsigned long len = *q++;
-    if (len & 0x80) {
-      unsigned n = len & 0x7F;
-      len = 0;
-      while (n--) len = (len << 8) | *q++;
-    }
-    q += len;
-    return start;
-  };
-  skipHeader(p);   // CertificateList
-  skipHeader(p);   // tbsCertList
-  skipElement(p);  // version
-  skipElement(p);  // signature
-  unsigned char const* start = p;
-  skipElement(p);  // issuer
-  return CBlob(start, static_cast<unsigned long>(p - start));
-}
-
-CBlob Bytes(unsigned char byte, unsigned long n) {
-  CBlob blob(n);
-  for (unsigned long i = 0; i < n; ++i) blob.pbData()[i] = byte;
-  return blob;
-}
-
 CAdES::CCompleteRevocationRefs MakeRefs(long count) {
-  CAdES::CCrlIdentifier identifier(CrlIssuer(Fixture("crl/intermediate-ca.crl")),
-                                   CDateTime(2024, 6, 1, 0, 0, 0, 0, 0));
-  int const number = 2;
-  identifier.put_crlNumber(&number);
-  CAdES::CCrlValidatedID crl(COtherHash(Bytes(0x11, 20)));
-  crl.put_crlIdentifier(&identifier);
-  CAdES::CCRLListID crls;
-  crls.push_back(crl);
-
-  CAdES::COcspResponsesID ocsp(
-      CAdES::COcspIdentifier(Korvex::PKI::OCSP::CResponderID::fromKeyHash(Bytes(0x22, 20)),
-                             CDateTime(2024, 6, 1, 12, 0, 0, 0, 0)));
-  COtherHash const hash(Bytes(0x33, 20));
-  ocsp.put_ocspRepHash(&hash);
-  CAdES::COcspListID ocsps;
-  ocsps.push_back(ocsp);
-
-  CAdES::CCrlOcspRef ref;
-  ref.put_crlids(&crls);
-  ref.put_ocspids(&ocsps);
-  return CAdES::CCompleteRevocationRefs(static_cast<std::size_t>(count), ref);
+  return Korvex::Bench::SampleRevocationRefs(Fixture("crl/intermediate-ca.crl"), count);
 }
 
 CAdES::CRevocationValues MakeValues(long count) {

@@ -204,6 +204,11 @@ inline BOOL CopyOutDword(DWORD value, BYTE* out, DWORD* outSize) {
   return CopyOut(&value, sizeof value, out, outSize);
 }
 
+// StandardDigest: the OpenSSL digest of a non-GOST hash ALG_ID (MD5, SHA-1,
+// SHA-2), or null. Hash objects add the GOST digests on top of these;
+// signature checks take only these, whose OIDs go into an RSA DigestInfo.
+const EVP_MD* StandardDigest(ALG_ID algorithm);
+
 }  // namespace korvex::capi
 
 #endif

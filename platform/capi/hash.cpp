@@ -25,20 +25,7 @@ Registry<Hash>& Hashes() {
 // FetchDigest finds the OpenSSL digest of an ALG_ID; the GOST names are
 // those of the GOST provider and engine for OpenSSL, tried in turn.
 const EVP_MD* FetchDigest(ALG_ID algorithm) {
-  switch (algorithm) {
-    case CALG_MD5:
-      return EVP_md5();
-    case CALG_SHA1:
-      return EVP_sha1();
-    case CALG_SHA_256:
-      return EVP_sha256();
-    case CALG_SHA_384:
-      return EVP_sha384();
-    case CALG_SHA_512:
-      return EVP_sha512();
-    default:
-      break;
-  }
+  if (const EVP_MD* md = StandardDigest(algorithm)) return md;
   static const struct {
     ALG_ID algorithm;
     const char* names[3];
@@ -75,6 +62,24 @@ const EVP_MD* DigestOf(ALG_ID algorithm) {
 std::shared_ptr<Hash> FindHash(HCRYPTHASH handle) { return Hashes().Find(handle); }
 
 }  // namespace
+
+const EVP_MD* StandardDigest(ALG_ID algorithm) {
+  switch (algorithm) {
+    case CALG_MD5:
+      return EVP_md5();
+    case CALG_SHA1:
+      return EVP_sha1();
+    case CALG_SHA_256:
+      return EVP_sha256();
+    case CALG_SHA_384:
+      return EVP_sha384();
+    case CALG_SHA_512:
+      return EVP_sha512();
+    default:
+      return nullptr;
+  }
+}
+
 }  // namespace korvex::capi
 
 using namespace korvex::capi;

@@ -67,25 +67,6 @@ PkeyPtr ReadKey(const CERT_PUBLIC_KEY_INFO& info) {
   return key;
 }
 
-// VerifyDigest names the OpenSSL digest of a hash ALG_ID for signature
-// checks: the digest's OID goes into the RSA DigestInfo (RFC 8017 9.2).
-const EVP_MD* VerifyDigest(ALG_ID algorithm) {
-  switch (algorithm) {
-    case CALG_MD5:
-      return EVP_md5();
-    case CALG_SHA1:
-      return EVP_sha1();
-    case CALG_SHA_256:
-      return EVP_sha256();
-    case CALG_SHA_384:
-      return EVP_sha384();
-    case CALG_SHA_512:
-      return EVP_sha512();
-    default:
-      return nullptr;
-  }
-}
-
 struct PkeyCtxFree {
   void operator()(EVP_PKEY_CTX* c) const { EVP_PKEY_CTX_free(c); }
 };
@@ -184,7 +165,7 @@ extern "C" BOOL CryptVerifySignatureA(HCRYPTHASH hHash, const BYTE* pbSignature,
   if (!CryptGetHashParam(hHash, HP_HASHVAL, digest.data(), &size, 0)) return FALSE;
   digest.resize(size);
   if (!key->pkey) return Fail(NTE_BAD_KEY);
-  const EVP_MD* md = VerifyDigest(algorithm);
+  const EVP_MD* md = StandardDigest(algorithm);
   int type = EVP_PKEY_get_base_id(key->pkey.get());
   if (md == nullptr || (type != EVP_PKEY_RSA && type != EVP_PKEY_EC)) return Fail(NTE_BAD_ALGID);
   std::vector<BYTE> signature(pbSignature, pbSignature + dwSigLen);

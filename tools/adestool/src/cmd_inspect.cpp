@@ -10,6 +10,7 @@
 #include "command.h"
 #include "inspect_build.h"
 #include "inspect_crypto.h"
+#include "pki_items.h"
 #include "signed_message.h"
 #include "tool_error.h"
 
@@ -54,13 +55,13 @@ std::vector<std::vector<uint8_t>> LoadAnchors(CommandContext &context) {
   return anchors;
 }
 
-// LoadCrls: the CRLs of --crl, added to those the signature carries for the
-// revocation checks of --trust (a BES or T signature carries none).
+// LoadCrls: the CRLs of --crl (read and checked as `refs` reads them),
+// added to those the signature carries for the revocation checks of --trust
+// (a BES or T signature carries none).
 std::vector<std::vector<uint8_t>> LoadCrls(CommandContext &context,
                                            std::vector<std::vector<uint8_t>> crls) {
   for (const std::string &path : context.args().Values("crl")) {
-    Input input = context.LoadInput(path);
-    for (InputItem &item : input.items) crls.push_back(std::move(item.bytes));
+    for (CrlItem &crl : ReadCrls(context.LoadInput(path))) crls.push_back(std::move(crl.der));
   }
   return crls;
 }

@@ -1,6 +1,10 @@
 // der_writer.cpp: DER lengths, wrapping and object identifiers.
 #include "der_writer.h"
 
+#include <korvex/asn1types/PrimitiveTraits.h>
+#include <korvex/asn1types/Traits.h>
+#include <korvex/platform/atl/atlexcept.h>
+
 #include <stdexcept>
 #include <string>
 
@@ -22,31 +26,14 @@ std::vector<uint8_t> DerWrap(uint8_t identifier, const std::vector<uint8_t>& con
 }
 
 std::vector<uint8_t> DerOid(std::string_view dotted) {
-  std::vector<unsigned long long> arcs;
-  size_t start = 0;
-  while (start <= dotted.size()) {
-    size_t dot = dotted.find('.', start);
-    if (dot == std::string_view::npos) dot = dotted.size();
-    const std::string arc(dotted.substr(start, dot - start));
-    if (arc.empty() || arc.size() > 18 ||
-        arc.find_first_not_of("0123456789") != std::string::npos) {
-      throw std::invalid_argument("invalid object identifier text");
-    }
-    arcs.push_back(std::stoull(arc));
-    start = dot + 1;
-  }
-  if (arcs.size() < 2 || arcs[0] > 2 || (arcs[0] < 2 && arcs[1] > 39)) {
+  // The library's OID text parser and encoder (str2oid, xe_objid).
+  try {
+    const Korvex::CBlob der =
+        Korvex::ASN1::asn1Encode<Korvex::ASN1::ASN1TObjId_traits>(std::string(dotted).c_str());
+    return std::vector<uint8_t>(der.pbData(), der.pbData() + der.cbData());
+  } catch (const ATL::CAtlException&) {
     throw std::invalid_argument("invalid object identifier text");
   }
-  std::vector<uint8_t> content;
-  auto put = [&content](unsigned long long v) {  // base 128, X.690 8.19.2
-    std::vector<uint8_t> digits{static_cast<uint8_t>(v & 0x7F)};
-    for (v >>= 7; v != 0; v >>= 7) digits.insert(digits.begin(), 0x80 | (v & 0x7F));
-    Append(&content, digits);
-  };
-  put(arcs[0] * 40 + arcs[1]);
-  for (size_t i = 2; i < arcs.size(); ++i) put(arcs[i]);
-  return DerWrap(0x06, content);
 }
 
 void Append(std::vector<uint8_t>* out, const std::vector<uint8_t>& bytes) {

@@ -4,8 +4,10 @@
 #include <korvex/platform/capi/wincrypt.h>
 
 #include <algorithm>
+#include <cctype>
 
 #include "tool_error.h"
+#include "value_text.h"
 
 namespace adestool {
 
@@ -129,13 +131,8 @@ ImprintMatch MatchImprint(const std::string& hashOid, const uint8_t* imprint, si
 }
 
 std::string HexLower(const std::vector<uint8_t>& bytes) {
-  static const char kDigits[] = "0123456789abcdef";
-  std::string text;
-  text.reserve(bytes.size() * 2);
-  for (uint8_t b : bytes) {
-    text += kDigits[b >> 4];
-    text += kDigits[b & 15];
-  }
+  std::string text = HexText(bytes);
+  for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
   return text;
 }
 

@@ -3,6 +3,7 @@
 
 #include <korvex/asn1types/DistinguishedNameText.h>
 #include <korvex/asn1types/NamesTraits.h>
+#include <korvex/core/Blob.h>
 #include <korvex/platform/atl/atlexcept.h>
 #include <korvex/platform/capi/oidinfo.h>
 
@@ -40,14 +41,8 @@ std::string AlgorithmName(const std::string &dotted) {
 }
 
 std::string HexText(const uint8_t *data, size_t size) {
-  static const char kDigits[] = "0123456789ABCDEF";
-  std::string text;
-  text.reserve(size * 2);
-  for (size_t i = 0; i < size; ++i) {
-    text += kDigits[data[i] >> 4];
-    text += kDigits[data[i] & 15];
-  }
-  return text;
+  if (size == 0) return std::string();
+  return Korvex::CBlob(data, static_cast<unsigned long>(size)).writeToHexString(0).c_str();
 }
 
 std::string HexText(const std::vector<uint8_t> &bytes) {
